@@ -1,0 +1,50 @@
+// CupsdTest: the GoogleTest fixture of the end-to-end tests.
+//
+// All tests of one process share one private scheduler (PrivateCupsd),
+// started by the first test that needs it and stopped when the process ends
+// (or, should the process die, by the SIGTERM that the kernel then sends
+// it).  Each test uses queues of its own.  A test that fails gets the
+// scheduler's log of its jobs in its output.
+
+#ifndef QUILLAROTH_TESTS_E2E_CUPSD_TEST_H_
+#define QUILLAROTH_TESTS_E2E_CUPSD_TEST_H_
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/e2e/private_cupsd.h"
+
+// The GoogleTest environment that stops the shared scheduler at the end.
+class CupsdEnvironment : public ::testing::Environment {
+ public:
+  // Stops the shared scheduler, if one was started, and removes its tree.
+  void TearDown() override;
+};
+
+class CupsdTest : public ::testing::Test {
+ protected:
+  // Fails the test unless the shared scheduler runs (starting it if needed).
+  void SetUp() override;
+  // On failure, prints the scheduler's log lines of this test's jobs and its
+  // error lines.
+  void TearDown() override;
+
+  // The shared scheduler.
+  PrivateCupsd& cupsd();
+  // Adds a queue for the simulated printer with our PPD; fails the test if
+  // lpadmin fails.
+  void AddQueue(const std::string& name, const std::string& uri);
+  // Submits a command job, waits for it to end (30 s at most) and checks
+  // that it completed through exactly our filter and the backend; returns
+  // its id (0 on failure, which has then been reported).
+  int RunCommandJob(const std::string& queue, const std::string& commands);
+  // The filter chain that every command job of the queue must take.
+  static std::string ExpectedFilterChain(int job_id, const std::string& queue);
+
+ private:
+  std::vector<int> jobs_;
+};
+
+#endif  // QUILLAROTH_TESTS_E2E_CUPSD_TEST_H_

@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Installs the build into two temporary trees, once with DESTDIR and once
+# with --prefix, and compares the whole list of installed files and modes
+# with what CUPS needs; then runs cupstestppd on the installed PPD, which
+# also checks that the filter named by the PPD is installed where CUPS
+# looks for it.
+# Usage: install_test.sh BUILD_DIR PREFIX SERVERBIN_DEST PPD_DEST DOC_DEST HAVE_BACKEND
+# (the *_DEST folders as the install rules name them: relative to the
+# prefix, or absolute).
+set -euo pipefail
+
+build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 have_backend=$6
+work=$(mktemp -d /tmp/quillaroth-install.XXXXXX)
+trap 'rm -rf "$work"' EXIT
+failed=0
+
+# Prints "MODE PATH" for each file and each folder above it, sorted, with
+# PATH relative to the tree's root; arguments are pairs MODE PATH.
+expected_listing() {
+  while [ $# -gt 0 ]; do
+    local mode=$1 path=$2
+    shift 2
+    echo "$mode $path"
+    path=$(dirname "$path")
+    while [ "$path" != . ]; do
+      echo "drwxr-xr-x $path"
+      path=$(dirname "$path")
+    done
+  done | LC_ALL=C sort -u -k2
+}
+
+# Prints the installed tree the same way.
+actual_listing() {
+  (cd "$1" && find . -mindepth 1 -printf '%M %P\n' | LC_ALL=C sort -k2)
+}
+
+# The path below the tree's root at which a destination ends up.
+staged() {
+  case $1 in
+    /*) echo "${1#/}" ;;
+    *) local base=${2#/}; echo "${base:+$base/}$1" ;;
+  esac
+}
+
+# Compares two texts; prints both on a difference and marks the failure.
+check() {
+  if [ "$2" != "$3" ]; then
+    echo "FAIL: $1"
+    diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") || true
+    failed=1
+  else
+    echo "ok: $1"
+  fi
+}
+
+# The files of an install below the given base (prefix inside the tree).
+files_below() {
+  local base=$1
+  local args=(-rwxr-xr-x "$(staged "$serverbin/filter/commandtoquillaroth" "$base")"
+              -rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")"
+              -rw-r--r-- "$(staged "$doc_dir/quillaroth-command-filter.txt" "$base")")
+  if [ "$have_backend" = 1 ]; then
+    args+=(-rwxr-xr-x "$(staged "$serverbin/backend/quillarothsim" "$base")")
+  fi
+  expected_listing "${args[@]}"
+}
+
+# 1. DESTDIR: everything lands below the tree, at the prefix (or the
+#    absolute folder).
+DESTDIR="$work/destdir" cmake --install "$build" >/dev/null
+check "DESTDIR install" "$(files_below "$prefix")" "$(actual_listing "$work/destdir")"
+
+# 2. --prefix: relative destinations move with the prefix.  Absolute ones
+#    would go to the real system, so they are staged below DESTDIR here.
+if [ "${serverbin:0:1}" = / ] || [ "${ppd_dir:0:1}" = / ]; then
+  echo "note: absolute install folders; --prefix is checked below DESTDIR"
+  DESTDIR="$work/prefix" cmake --install "$build" --prefix /stage >/dev/null
+  check "--prefix install" "$(files_below /stage)" "$(actual_listing "$work/prefix")"
+else
+  cmake --install "$build" --prefix "$work/prefix" >/dev/null
+  check "--prefix install" "$(files_below /)" "$(actual_listing "$work/prefix")"
+fi
+
+# 3. cupstestppd on the installed PPD, with the DESTDIR tree as its root so
+#    that the filter it names is looked up there.
+ppd="$work/destdir/$(staged "$ppd_dir/quillaroth-sim.ppd" "$prefix")"
+status=0
+out=$(cupstestppd -R "$work/destdir" "$ppd" 2>&1) || status=$?
+check "cupstestppd" "$ppd: PASS
+status 0" "$out
+status $status"
+
+exit $failed

@@ -1,0 +1,535 @@
+#include "tests/e2e/private_cupsd.h"
+
+#include <cups/cups.h>
+#include <fcntl.h>
+#include <ftw.h>
+#include <netinet/in.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Sleeps for the given number of milliseconds.
+void SleepMs(int ms) { usleep(static_cast<useconds_t>(ms) * 1000); }
+
+// Reads a whole file; "" when it cannot be read.
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Writes a whole file with the given mode; false on any error.
+bool WriteFile(const std::string& path, const std::string& text, mode_t mode) {
+  int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
+  if (fd < 0) return false;
+  bool ok = write(fd, text.data(), text.size()) ==
+            static_cast<ssize_t>(text.size());
+  ok = fchmod(fd, mode) == 0 && ok;
+  return close(fd) == 0 && ok;
+}
+
+// Copies a program into the tree with mode 0755.
+bool CopyProgram(const std::string& from, const std::string& to) {
+  std::ifstream in(from, std::ios::binary);
+  if (!in) return false;
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  return WriteFile(to, bytes.str(), 0755);
+}
+
+// Asks the kernel for a loopback TCP port that is free right now.
+int FreeLoopbackPort() {
+  int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (fd < 0) return 0;
+  struct sockaddr_in addr;
+  memset(&addr, 0, sizeof(addr));
+  addr.sin_family = AF_INET;
+  addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  addr.sin_port = 0;
+  socklen_t len = sizeof(addr);
+  int port = 0;
+  if (bind(fd, reinterpret_cast<struct sockaddr*>(&addr), sizeof(addr)) == 0 &&
+      getsockname(fd, reinterpret_cast<struct sockaddr*>(&addr), &len) == 0)
+    port = ntohs(addr.sin_port);
+  close(fd);
+  return port;
+}
+
+// Removes one entry of the tree walk (files before their folders).
+int RemoveEntry(const char* path, const struct stat*, int, struct FTW*) {
+  remove(path);
+  return 0;
+}
+
+// Sends one IPP request to the scheduler on 127.0.0.1:port; the response,
+// or nullptr when there was none.  Takes over the request.
+ipp_t* DoIppRequest(int port, ipp_t* request, const char* resource) {
+  http_t* http = httpConnect2("127.0.0.1", port, nullptr, AF_INET,
+                              HTTP_ENCRYPTION_NEVER, 1, 2000, nullptr);
+  if (http == nullptr) {
+    ippDelete(request);
+    return nullptr;
+  }
+  ipp_t* response = cupsDoRequest(http, request, resource);
+  httpClose(http);
+  return response;
+}
+
+// The values of one attribute joined with commas: integers and enums in
+// decimal, everything else as its string.
+std::string AttributeValues(ipp_attribute_t* attr) {
+  std::string text;
+  for (int i = 0; i < ippGetCount(attr); i++) {
+    if (i > 0) text += ",";
+    ipp_tag_t tag = ippGetValueTag(attr);
+    if (tag == IPP_TAG_INTEGER || tag == IPP_TAG_ENUM) {
+      text += std::to_string(ippGetInteger(attr, i));
+    } else {
+      const char* value = ippGetString(attr, i, nullptr);
+      text += value != nullptr ? value : "(null)";
+    }
+  }
+  return text;
+}
+
+// The message of a log line: what follows the "[date] " stamp.
+std::string LogMessage(const std::string& line) {
+  size_t stamp_end = line.find("] ");
+  return stamp_end == std::string::npos ? line : line.substr(stamp_end + 2);
+}
+
+}  // namespace
+
+// Remembers the programs to install; nothing runs yet.
+PrivateCupsd::PrivateCupsd(std::string cupsd, std::string cups_exec,
+                           std::string data_dir, std::string filter,
+                           std::string backend, std::string ppd)
+    : cupsd_(std::move(cupsd)),
+      cups_exec_(std::move(cups_exec)),
+      data_dir_(std::move(data_dir)),
+      filter_(std::move(filter)),
+      backend_(std::move(backend)),
+      ppd_(std::move(ppd)) {}
+
+// Stops the scheduler and removes the tree.
+PrivateCupsd::~PrivateCupsd() {
+  Stop();
+  RemoveTree();
+}
+
+// "127.0.0.1:PORT".
+std::string PrivateCupsd::address() const {
+  return "127.0.0.1:" + std::to_string(port_);
+}
+
+// Checks that we are root and that cupsd is installed, then makes the
+// tree's root folder.
+bool PrivateCupsd::MakeRoot(std::string* error) {
+  if (geteuid() != 0) {
+    *error = "the end-to-end tests must run as root: cupsd runs as root and "
+             "switches filters and backends to the lp user";
+    return false;
+  }
+  if (access(cupsd_.c_str(), X_OK) != 0) {
+    *error = "no scheduler at " + cupsd_ + " (install cups-daemon)";
+    return false;
+  }
+  if (access(cups_exec_.c_str(), X_OK) != 0) {
+    *error = "no " + cups_exec_ + " (install cups-daemon)";
+    return false;
+  }
+  if (root_.empty()) {
+    char templ[] = "/tmp/quillaroth-e2e.XXXXXX";
+    if (mkdtemp(templ) == nullptr) {
+      *error = std::string("mkdtemp: ") + strerror(errno);
+      return false;
+    }
+    root_ = templ;
+  }
+  return true;
+}
+
+// Builds the tree, starts cupsd and waits until it answers; a port that
+// another program took meanwhile costs one more try.
+bool PrivateCupsd::Start(std::string* error) {
+  if (!MakeRoot(error)) return false;
+  for (int attempt = 0; attempt < 3; attempt++) {
+    port_ = FreeLoopbackPort();
+    if (port_ == 0) {
+      *error = "no free loopback port";
+      return false;
+    }
+    if (!BuildTree(error) || !Launch(error)) return false;
+    if (WaitUntilAnswering(error)) return true;
+    Stop();
+  }
+  return false;
+}
+
+// Writes the configuration files and folders of the tree.
+bool PrivateCupsd::BuildTree(std::string* error) {
+  // The lp user must reach the filter, the backend and the spooled files.
+  chmod(root_.c_str(), 0755);
+  for (const char* dir : {"etc", "etc/ppd", "spool", "tmp", "cache", "state",
+                          "log", "bin", "bin/filter", "bin/backend",
+                          "bin/daemon", "home", "home/.cups", "client", "jobs"}) {
+    std::string path = root_ + "/" + dir;
+    if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
+      *error = "mkdir " + path + ": " + strerror(errno);
+      return false;
+    }
+  }
+  if (!CopyProgram(filter_, root_ + "/bin/filter/commandtoquillaroth")) {
+    *error = "cannot copy the filter from " + filter_;
+    return false;
+  }
+  if (!CopyProgram(backend_, root_ + "/bin/backend/quillarothsim")) {
+    *error = "cannot copy the backend from " + backend_;
+    return false;
+  }
+  std::string exec_link = root_ + "/bin/daemon/cups-exec";
+  unlink(exec_link.c_str());
+  if (symlink(cups_exec_.c_str(), exec_link.c_str()) != 0) {
+    *error = "symlink cups-exec: " + std::string(strerror(errno));
+    return false;
+  }
+
+  // Loopback only, no browsing, no authentication: every operation is
+  // allowed from 127.0.0.1, so lpadmin needs no certificate.  Jobs whose
+  // backend fails are aborted rather than stopping the queue.
+  std::string cupsd_conf =
+      "LogLevel debug\n"
+      "MaxLogSize 0\n"
+      "Listen 127.0.0.1:" + std::to_string(port_) + "\n"
+      "Browsing No\n"
+      "WebInterface No\n"
+      "DefaultAuthType None\n"
+      "ErrorPolicy abort-job\n"
+      "PreserveJobHistory Yes\n"
+      "<Location />\n"
+      "  Order allow,deny\n"
+      "  Allow from 127.0.0.1\n"
+      "</Location>\n"
+      "<Policy default>\n"
+      "  JobPrivateAccess default\n"
+      "  JobPrivateValues default\n"
+      "  SubscriptionPrivateAccess default\n"
+      "  SubscriptionPrivateValues default\n"
+      "  <Limit All>\n"
+      "    Order deny,allow\n"
+      "  </Limit>\n"
+      "</Policy>\n";
+  // cupsd refuses "User root"; filters and backends run as lp.
+  std::string files_conf =
+      "ServerRoot " + root_ + "/etc\n"
+      "RequestRoot " + root_ + "/spool\n"
+      "TempDir " + root_ + "/tmp\n"
+      "CacheDir " + root_ + "/cache\n"
+      "StateDir " + root_ + "/state\n"
+      "ServerBin " + root_ + "/bin\n"
+      "DataDir " + data_dir_ + "\n"
+      "ErrorLog " + root_ + "/log/error_log\n"
+      "AccessLog " + root_ + "/log/access_log\n"
+      "PageLog " + root_ + "/log/page_log\n"
+      "User lp\n"
+      "Group lp\n"
+      "SystemGroup root\n";
+  if (!WriteFile(root_ + "/etc/cupsd.conf", cupsd_conf, 0644) ||
+      !WriteFile(root_ + "/etc/cups-files.conf", files_conf, 0644)) {
+    *error = "cannot write the configuration under " + root_;
+    return false;
+  }
+  return true;
+}
+
+// Forks and execs cupsd -f on the tree's configuration.  The child gets
+// SIGTERM when the test process dies, so no scheduler outlives a crash.
+bool PrivateCupsd::Launch(std::string* error) {
+  std::string conf = root_ + "/etc/cupsd.conf";
+  std::string files = root_ + "/etc/cups-files.conf";
+  std::string out = root_ + "/log/cupsd.out";
+  // A fresh log for every try, so that only this cupsd's lines count.
+  unlink((root_ + "/log/error_log").c_str());
+  pid_t parent = getpid();
+  pid_t pid = fork();
+  if (pid < 0) {
+    *error = std::string("fork: ") + strerror(errno);
+    return false;
+  }
+  if (pid == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != parent) _exit(1);
+    int null_fd = open("/dev/null", O_RDONLY);
+    int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+    dup2(null_fd, 0);
+    dup2(out_fd, 1);
+    dup2(out_fd, 2);
+    const char* argv[] = {cupsd_.c_str(), "-f", "-c", conf.c_str(),
+                          "-s", files.c_str(), nullptr};
+    const char* envp[] = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C",
+                          nullptr};
+    execve(argv[0], const_cast<char* const*>(argv),
+           const_cast<char* const*>(envp));
+    _exit(127);
+  }
+  pid_ = pid;
+  return true;
+}
+
+// Waits until cupsd answers an IPP request, or fails after 15 s, when it
+// exits (a bad configuration) or when it could not take the port (another
+// program took it meanwhile; cupsd then runs on without listening, and an
+// answer on the port would come from someone else).
+bool PrivateCupsd::WaitUntilAnswering(std::string* error) {
+  std::string listening = "Listening to " + address() + " on fd ";
+  for (int waited = 0; waited < 15000; waited += 50) {
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) == pid_) {
+      pid_ = -1;
+      *error = "cupsd exited at start (status " + std::to_string(status) +
+               "):\n" + ReadFile(root_ + "/log/cupsd.out") + ErrorLog();
+      return false;
+    }
+    std::string log = ErrorLog();
+    if (log.find("Unable to open listen socket") != std::string::npos) {
+      *error = "cupsd could not listen on " + address() + ":\n" + log;
+      return false;
+    }
+    if (log.find(listening) != std::string::npos) {
+      ipp_t* response =
+          DoIppRequest(port_, ippNewRequest(IPP_OP_CUPS_GET_PRINTERS), "/");
+      if (response != nullptr) {
+        ippDelete(response);
+        return true;
+      }
+    }
+    SleepMs(50);
+  }
+  *error = "cupsd did not answer on " + address() + " within 15 s:\n" +
+           ErrorLog();
+  return false;
+}
+
+// Stops cupsd (SIGTERM, then SIGKILL after 5 s) and waits for it.
+void PrivateCupsd::Stop() {
+  if (pid_ <= 0) return;
+  kill(pid_, SIGTERM);
+  for (int waited = 0; waited < 5000; waited += 20) {
+    if (waitpid(pid_, nullptr, WNOHANG) == pid_) {
+      pid_ = -1;
+      return;
+    }
+    SleepMs(20);
+  }
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
+  pid_ = -1;
+}
+
+// Deletes the temporary tree, unless QUILLAROTH_E2E_KEEP is set (then its
+// path is printed for a look at the logs).
+void PrivateCupsd::RemoveTree() {
+  if (root_.empty()) return;
+  if (getenv("QUILLAROTH_E2E_KEEP") != nullptr) {
+    fprintf(stderr, "e2e: kept %s\n", root_.c_str());
+  } else {
+    nftw(root_.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
+  }
+  root_.clear();
+}
+
+// lpadmin -p NAME -E -v URI -P PPD.
+ProgramResult PrivateCupsd::AddQueue(const std::string& name,
+                                     const std::string& uri) {
+  return RunProgram({"lpadmin", "-h", address(), "-p", name, "-E", "-v", uri,
+                     "-P", ppd_});
+}
+
+// lpadmin -p NAME -v URI.
+ProgramResult PrivateCupsd::SetDeviceUri(const std::string& name,
+                                         const std::string& uri) {
+  return RunProgram({"lpadmin", "-h", address(), "-p", name, "-v", uri});
+}
+
+// lpadmin -d NAME.
+ProgramResult PrivateCupsd::SetDefault(const std::string& name) {
+  return RunProgram({"lpadmin", "-h", address(), "-d", name});
+}
+
+// lpadmin -x NAME.
+ProgramResult PrivateCupsd::DeleteQueue(const std::string& name) {
+  return RunProgram({"lpadmin", "-h", address(), "-x", name});
+}
+
+// cupsdisable NAME.
+ProgramResult PrivateCupsd::DisableQueue(const std::string& name) {
+  return RunProgram({"cupsdisable", "-h", address(), name});
+}
+
+// Writes the command file and submits it with lp as a command job.
+int PrivateCupsd::SubmitCommandJob(const std::string& queue,
+                                   const std::string& commands,
+                                   std::string* error) {
+  std::string path = root_ + "/jobs/" + queue + "-" +
+                     std::to_string(++job_files_) + ".txt";
+  if (!WriteFile(path, commands, 0644)) {
+    *error = "cannot write " + path;
+    return 0;
+  }
+  ProgramResult lp =
+      RunProgram({"lp", "-h", address(), "-d", queue, "-o",
+                  "document-format=application/vnd.cups-command", path});
+  int job_id = 0;
+  std::string prefix = "request id is " + queue + "-";
+  if (lp.status == 0 && lp.out.compare(0, prefix.size(), prefix) == 0)
+    job_id = atoi(lp.out.c_str() + prefix.size());
+  std::string expected = prefix + std::to_string(job_id) + " (1 file(s))\n";
+  if (job_id <= 0 || lp.out != expected || !lp.err.empty()) {
+    *error = "lp: " + lp.Describe();
+    return 0;
+  }
+  return job_id;
+}
+
+// Polls the job's state every 50 ms until it has ended (canceled, aborted
+// or completed) or the time-out passes.
+int PrivateCupsd::WaitForJob(int job_id, double timeout_seconds) {
+  std::string job_uri =
+      "ipp://" + address() + "/jobs/" + std::to_string(job_id);
+  int state = 0;
+  for (int waited = 0; waited < timeout_seconds * 1000; waited += 50) {
+    ipp_t* request = ippNewRequest(IPP_OP_GET_JOB_ATTRIBUTES);
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "job-uri", nullptr,
+                 job_uri.c_str());
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME,
+                 "requesting-user-name", nullptr, cupsUser());
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD,
+                 "requested-attributes", nullptr, "job-state");
+    ipp_t* response = DoIppRequest(port_, request, "/jobs");
+    if (response != nullptr) {
+      ipp_attribute_t* attr =
+          ippFindAttribute(response, "job-state", IPP_TAG_ENUM);
+      if (attr != nullptr) state = ippGetInteger(attr, 0);
+      ippDelete(response);
+    }
+    if (state >= IPP_JSTATE_CANCELED) return state;
+    SleepMs(50);
+  }
+  return state;
+}
+
+// The queue's reasons and marker attributes, one "name=value" line each.
+std::string PrivateCupsd::PrinterAttributes(const std::string& queue) {
+  static const char* const kNames[] = {
+      "printer-state-reasons", "marker-colors", "marker-levels",
+      "marker-message",        "marker-names",  "marker-types"};
+  std::string printer_uri = "ipp://" + address() + "/printers/" + queue;
+  ipp_t* request = ippNewRequest(IPP_OP_GET_PRINTER_ATTRIBUTES);
+  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri",
+               nullptr, printer_uri.c_str());
+  ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD,
+                "requested-attributes", 6, nullptr, kNames);
+  ipp_t* response = DoIppRequest(port_, request, "/");
+  if (response == nullptr) return "(no answer from cupsd)\n";
+  std::string text;
+  if (ippGetStatusCode(response) > IPP_STATUS_OK_CONFLICTING)
+    text = std::string("(IPP error ") +
+           ippErrorString(ippGetStatusCode(response)) + ")\n";
+  for (const char* name : kNames) {
+    ipp_attribute_t* attr = ippFindAttribute(response, name, IPP_TAG_ZERO);
+    if (attr != nullptr)
+      text += std::string(name) + "=" + AttributeValues(attr) + "\n";
+  }
+  ippDelete(response);
+  return text;
+}
+
+// The default destination's name per CUPS-Get-Default, "" when none.
+std::string PrivateCupsd::DefaultDestination() {
+  ipp_t* request = ippNewRequest(IPP_OP_CUPS_GET_DEFAULT);
+  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD,
+               "requested-attributes", nullptr, "printer-name");
+  ipp_t* response = DoIppRequest(port_, request, "/");
+  if (response == nullptr) return "";
+  std::string name;
+  ipp_attribute_t* attr =
+      ippFindAttribute(response, "printer-name", IPP_TAG_NAME);
+  if (attr != nullptr) name = ippGetString(attr, 0, nullptr);
+  ippDelete(response);
+  return name;
+}
+
+// The whole error_log.
+std::string PrivateCupsd::ErrorLog() const {
+  return ReadFile(root_ + "/log/error_log");
+}
+
+// The error_log lines of one job.
+std::string PrivateCupsd::JobLog(int job_id) const {
+  std::string tag = "[Job " + std::to_string(job_id) + "] ";
+  std::istringstream log(ErrorLog());
+  std::string line;
+  std::string lines;
+  while (std::getline(log, line))
+    if (line.find(tag) != std::string::npos) lines += line + "\n";
+  return lines;
+}
+
+// The job's filter chain as logged by the scheduler: the "N filters for
+// job:" line, one "NAME (TYPE to TYPE, cost N)" line per filter, and the
+// programs it started.
+std::string PrivateCupsd::FilterChain(int job_id) const {
+  std::string tag = "[Job " + std::to_string(job_id) + "] ";
+  std::istringstream log(JobLog(job_id));
+  std::string line;
+  std::string chain;
+  while (std::getline(log, line)) {
+    std::string message = LogMessage(line);
+    if (message.compare(0, tag.size(), tag) != 0) continue;
+    std::string text = message.substr(tag.size());
+    bool count_line = text.size() > 17 &&
+                      text.compare(text.size() - 17, 17, " filters for job:") == 0;
+    bool filter_line = text.find(" to ") != std::string::npos &&
+                       text.find(", cost ") != std::string::npos &&
+                       text.back() == ')';
+    bool started_line = text.compare(0, 15, "Started filter ") == 0 ||
+                        text.compare(0, 16, "Started backend ") == 0;
+    if (!count_line && !filter_line && !started_line) continue;
+    size_t at;
+    while ((at = text.find(root_)) != std::string::npos)
+      text.replace(at, root_.size(), "ROOT");
+    if (started_line && (at = text.rfind("(PID ")) != std::string::npos)
+      text = text.substr(0, at) + "(PID n)";
+    chain += tag + text + "\n";
+  }
+  return chain;
+}
+
+// The filter's "#retry_status" lines of one job, after the "[Job N] " label.
+std::string PrivateCupsd::RetryStatusLines(int job_id) const {
+  std::string tag = "[Job " + std::to_string(job_id) + "] ";
+  std::istringstream log(JobLog(job_id));
+  std::string line;
+  std::string lines;
+  while (std::getline(log, line)) {
+    std::string message = LogMessage(line);
+    if (message.compare(0, tag.size() + 14, tag + "#retry_status=") == 0)
+      lines += message.substr(tag.size()) + "\n";
+  }
+  return lines;
+}
