@@ -1,10 +1,27 @@
 #include "debug/cups_names.h"
 
 #include <cstdio>
+#include <cstring>
+
+namespace {
+
+// The value as the plain int it is stored as.  Raster headers and
+// side-channel replies come from outside and may hold any number, not only
+// the ones CUPS names; reading the bytes (rather than the enumeration) keeps
+// an unnamed value well-defined, also under the undefined-behaviour checker.
+template <typename E>
+int raw_value(const E& value) {
+  static_assert(sizeof(E) == sizeof(int), "CUPS enumerations are ints");
+  int raw;
+  std::memcpy(&raw, &value, sizeof(raw));
+  return raw;
+}
+
+}  // namespace
 
 // Names a side-channel status; "UNKNOWN" for a value CUPS does not define.
 const char* to_string(cups_sc_status_e value) {
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_SC_STATUS_NONE: return "CUPS_SC_STATUS_NONE";
     case CUPS_SC_STATUS_OK: return "CUPS_SC_STATUS_OK";
     case CUPS_SC_STATUS_IO_ERROR: return "CUPS_SC_STATUS_IO_ERROR";
@@ -20,32 +37,32 @@ const char* to_string(cups_sc_status_e value) {
 // Names an AdvanceMedia value.
 const char* to_string(cups_adv_e value) {
   static char no_name[sizeof("cups_adv_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_ADVANCE_NONE: return "CUPS_ADVANCE_NONE";
     case CUPS_ADVANCE_FILE: return "CUPS_ADVANCE_FILE";
     case CUPS_ADVANCE_JOB: return "CUPS_ADVANCE_JOB";
     case CUPS_ADVANCE_SET: return "CUPS_ADVANCE_SET";
     case CUPS_ADVANCE_PAGE: return "CUPS_ADVANCE_PAGE";
   }
-  sprintf(no_name, "cups_adv_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_adv_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a boolean value.
 const char* to_string(cups_bool_e value) {
   static char no_name[sizeof("cups_bool_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_FALSE: return "CUPS_FALSE";
     case CUPS_TRUE: return "CUPS_TRUE";
   }
-  sprintf(no_name, "cups_bool_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_bool_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a colour space.
 const char* to_string(cups_cspace_e value) {
   static char no_name[sizeof("cups_cspace_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_CSPACE_W: return "CUPS_CSPACE_W";
     case CUPS_CSPACE_RGB: return "CUPS_CSPACE_RGB";
     case CUPS_CSPACE_RGBA: return "CUPS_CSPACE_RGBA";
@@ -98,71 +115,71 @@ const char* to_string(cups_cspace_e value) {
     case CUPS_CSPACE_DEVICEE: return "CUPS_CSPACE_DEVICEE";
     case CUPS_CSPACE_DEVICEF: return "CUPS_CSPACE_DEVICEF";
   }
-  sprintf(no_name, "cups_cspace_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_cspace_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a CutMedia value.
 const char* to_string(cups_cut_e value) {
   static char no_name[sizeof("cups_cut_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_CUT_NONE: return "CUPS_CUT_NONE";
     case CUPS_CUT_FILE: return "CUPS_CUT_FILE";
     case CUPS_CUT_JOB: return "CUPS_CUT_JOB";
     case CUPS_CUT_SET: return "CUPS_CUT_SET";
     case CUPS_CUT_PAGE: return "CUPS_CUT_PAGE";
   }
-  sprintf(no_name, "cups_cut_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_cut_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a LeadingEdge value.
 const char* to_string(cups_edge_e value) {
   static char no_name[sizeof("cups_edge_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_EDGE_TOP: return "CUPS_EDGE_TOP";
     case CUPS_EDGE_RIGHT: return "CUPS_EDGE_RIGHT";
     case CUPS_EDGE_BOTTOM: return "CUPS_EDGE_BOTTOM";
     case CUPS_EDGE_LEFT: return "CUPS_EDGE_LEFT";
   }
-  sprintf(no_name, "cups_edge_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_edge_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a Jog value.
 const char* to_string(cups_jog_e value) {
   static char no_name[sizeof("cups_jog_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_JOG_NONE: return "CUPS_JOG_NONE";
     case CUPS_JOG_FILE: return "CUPS_JOG_FILE";
     case CUPS_JOG_JOB: return "CUPS_JOG_JOB";
     case CUPS_JOG_SET: return "CUPS_JOG_SET";
   }
-  sprintf(no_name, "cups_jog_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_jog_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names a colour order.
 const char* to_string(cups_order_e value) {
   static char no_name[sizeof("cups_order_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_ORDER_CHUNKED: return "CUPS_ORDER_CHUNKED";
     case CUPS_ORDER_BANDED: return "CUPS_ORDER_BANDED";
     case CUPS_ORDER_PLANAR: return "CUPS_ORDER_PLANAR";
   }
-  sprintf(no_name, "cups_order_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_order_e(%d)", raw_value(value));
   return no_name;
 }
 
 // Names an orientation.
 const char* to_string(cups_orient_e value) {
   static char no_name[sizeof("cups_orient_e(-2147483648)")];
-  switch (value) {
+  switch (raw_value(value)) {
     case CUPS_ORIENT_0: return "CUPS_ORIENT_0";
     case CUPS_ORIENT_90: return "CUPS_ORIENT_90";
     case CUPS_ORIENT_180: return "CUPS_ORIENT_180";
     case CUPS_ORIENT_270: return "CUPS_ORIENT_270";
   }
-  sprintf(no_name, "cups_orient_e(%d)", static_cast<int>(value));
+  sprintf(no_name, "cups_orient_e(%d)", raw_value(value));
   return no_name;
 }
