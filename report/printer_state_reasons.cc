@@ -1,8 +1,8 @@
 #include "report/printer_state_reasons.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <set>
-#include <string>
+#include <cstring>
 
 // The printer's error codes and the vendor keywords they raise.  The first
 // matching entry wins; entry 37 is the filter's own used-up-ribbon code.
@@ -51,18 +51,36 @@ const PrinterStateReasonEntry PRINTER_STATE_REASONS[38] = {
 const char* const UNAVAILABLE_REASON = "com.quillaroth-error0023";
 const char* const UNDEFINED_ERROR_REASON = "com.quillaroth-error0023";
 
+namespace {
+
+// Every keyword slot of the table, and the two constants.
+constexpr size_t kMaxKnownReasons = 4 * PRINTER_STATE_REASONS_COUNT + 2;
+
+// Orders keywords byte by byte, as the scheduler's list is read.
+bool keyword_less(const char* a, const char* b) { return strcmp(a, b) < 0; }
+
+// Tells whether two keywords are the same text.
+bool keyword_equal(const char* a, const char* b) { return strcmp(a, b) == 0; }
+
+}  // namespace
+
 // Writes the complete vendor state-reason report for the state.
 void update_printer_state(const PrinterState& state) {
-  // Every vendor keyword the filter knows, in byte-wise order.
-  std::set<std::string> known;
+  // Every vendor keyword the filter knows, in byte-wise order, each once.
+  // Built afresh on every call from the constant table: no state is kept.
+  const char* known[kMaxKnownReasons];
+  size_t known_count = 0;
   for (const PrinterStateReasonEntry& entry : PRINTER_STATE_REASONS) {
     for (const char* reason : entry.reasons) {
       if (reason == nullptr) break;
-      known.insert(reason);
+      known[known_count++] = reason;
     }
   }
-  known.insert(UNAVAILABLE_REASON);
-  known.insert(UNDEFINED_ERROR_REASON);
+  known[known_count++] = UNAVAILABLE_REASON;
+  known[known_count++] = UNDEFINED_ERROR_REASON;
+  std::sort(known, known + known_count, keyword_less);
+  known_count = static_cast<size_t>(
+      std::unique(known, known + known_count, keyword_equal) - known);
 
   const char* raise[4] = {nullptr, nullptr, nullptr, nullptr};
   if (state == PrinterState::Unavailable()) {
@@ -84,11 +102,20 @@ void update_printer_state(const PrinterState& state) {
     }
   }
 
+  // Raise what holds now, taking it off the list of known reasons...
   for (const char* reason : raise) {
     if (reason == nullptr) break;
     fprintf(stderr, "STATE: +%s\n", reason);
-    known.erase(reason);
+    const char** end = known + known_count;
+    const char** found = std::find_if(
+        known, end,
+        [reason](const char* k) { return keyword_equal(k, reason); });
+    if (found != end) {
+      std::copy(found + 1, end, found);
+      known_count--;
+    }
   }
-  for (const std::string& reason : known)
-    fprintf(stderr, "STATE: -%s\n", reason.c_str());
+  // ...and withdraw every other one.
+  for (size_t i = 0; i < known_count; i++)
+    fprintf(stderr, "STATE: -%s\n", known[i]);
 }
