@@ -2,7 +2,7 @@
 //
 //   quillaroth-sim [options] -- /path/to/filter job user title copies opts [file]
 //
-// Every option is listed in sim/README.md and by --help.
+// Every option is listed in the README and by --help.
 
 #ifndef QUILLAROTH_SIM_SIM_OPTIONS_H_
 #define QUILLAROTH_SIM_SIM_OPTIONS_H_
