@@ -150,8 +150,9 @@ TEST(BidiProbe, SideChannelClosingOnTheProbeMeansOneWay) {
 }
 
 // libcups waits the probe's whole 30 seconds for an answer that never
-// comes; too slow for every run (--gtest_also_run_disabled_tests runs it).
-TEST(BidiProbe, DISABLED_UnansweredProbeTimesOutAfter30Seconds) {
+// comes, and not longer: the slowest test of the suite, run in parallel with
+// the others.
+TEST(BidiProbe, UnansweredProbeTimesOutAfter30Seconds) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi", "never"});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_TIMEOUT", 3) +
@@ -159,6 +160,7 @@ TEST(BidiProbe, DISABLED_UnansweredProbeTimesOutAfter30Seconds) {
                          state_lines("0023"));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_GE(run.seconds, 29.5);
+  EXPECT_LE(run.seconds, 40.0);
   EXPECT_EQ(run.sim_log,
             "sim: sc GET_BIDI -> no answer\n"
             "sim: cmd 1b 45 57 55\n"
