@@ -66,6 +66,42 @@ void append_env_option(const char* name, const char* option) {
   setenv(name, value.c_str(), 1);
 }
 
+// The words of $QUILLAROTH_FILTER_WRAPPER, a command prefix put before the
+// filter (for example "valgrind --log-file=/tmp/vg.%p ..."), split at
+// blanks, the program looked up in $PATH since the filter is started with
+// execv().  Empty without the variable.  The wrapper must keep its own
+// output out of the filter's stderr (valgrind's --log-file does).
+std::vector<std::string> filter_wrapper() {
+  std::vector<std::string> words;
+  const char* wrapper = getenv("QUILLAROTH_FILTER_WRAPPER");
+  if (wrapper == nullptr) return words;
+  std::string text = wrapper;
+  size_t at = 0;
+  while ((at = text.find_first_not_of(" \t", at)) != std::string::npos) {
+    size_t end = text.find_first_of(" \t", at);
+    words.push_back(text.substr(at, end == std::string::npos ? end : end - at));
+    at = end;
+  }
+  if (!words.empty() && words[0].find('/') == std::string::npos) {
+    const char* path = getenv("PATH");
+    std::string dirs = path != nullptr ? path : "/usr/bin:/bin";
+    size_t start = 0;
+    while (start <= dirs.size()) {
+      size_t colon = dirs.find(':', start);
+      std::string candidate =
+          dirs.substr(start, colon == std::string::npos ? colon : colon - start) +
+          "/" + words[0];
+      if (access(candidate.c_str(), X_OK) == 0) {
+        words[0] = candidate;
+        break;
+      }
+      if (colon == std::string::npos) break;
+      start = colon + 1;
+    }
+  }
+  return words;
+}
+
 // One descriptor that a child gets: target is made a copy of source.
 struct Wiring {
   int target;
@@ -166,6 +202,7 @@ FilterResult run_filter(const ToolPaths& tools, const FilterCall& call) {
                                     "--stdout-file", dir + "/stdout"};
   words.insert(words.end(), call.sim_options.begin(), call.sim_options.end());
   words.push_back("--");
+  for (const std::string& word : filter_wrapper()) words.push_back(word);
   words.push_back(tools.filter);
   words.insert(words.end(), call.args.begin(), call.args.end());
   if (call.command_file) {
@@ -231,7 +268,8 @@ FilterResult run_filter_with_backend(const ToolPaths& tools,
                                      const FilterCall& call) {
   std::string dir = make_run_dir();
   write_file(dir + "/stdin", call.stdin_text);
-  std::vector<std::string> filter_words = {tools.filter};
+  std::vector<std::string> filter_words = filter_wrapper();
+  filter_words.push_back(tools.filter);
   filter_words.insert(filter_words.end(), call.args.begin(), call.args.end());
   if (call.command_file) {
     write_file(dir + "/commands", *call.command_file);
