@@ -145,4 +145,43 @@ TEST_F(CleanPrinterStateTest, EmptyReasonsListWithdrawsNothing) {
             CleanPrinterStateOutput());
 }
 
+// The reasons below come from the user's own options for the destination,
+// which cupsGetDests() lays over the scheduler's: the scheduler itself never
+// lists empty fields or blanks.
+
+TEST_F(CleanPrinterStateTest, WithdrawsEveryReasonInTheListsOrder) {
+  AddQueue("cps_two", "quillarothsim://cps_two?error=060202");
+  WriteLpoptions(
+      "Default cps_two "
+      "printer-state-reasons=com.quillaroth-error0001,media-empty-error\n");
+
+  EXPECT_EQ("clean_printer_state() START\n"
+            "STATE: -com.quillaroth-error0001\n"
+            "STATE: -media-empty-error\n"
+            "clean_printer_state() END\n",
+            CleanPrinterStateOutput());
+}
+
+TEST_F(CleanPrinterStateTest, EmptyFieldsAreSkipped) {
+  AddQueue("cps_gap", "quillarothsim://cps_gap?error=060202");
+  WriteLpoptions("Default cps_gap printer-state-reasons=a,,b\n");
+
+  EXPECT_EQ("clean_printer_state() START\n"
+            "STATE: -a\n"
+            "STATE: -b\n"
+            "clean_printer_state() END\n",
+            CleanPrinterStateOutput());
+}
+
+TEST_F(CleanPrinterStateTest, BlanksStayPartOfTheReason) {
+  AddQueue("cps_blank", "quillarothsim://cps_blank?error=060202");
+  WriteLpoptions("Default cps_blank printer-state-reasons=\"a, b\"\n");
+
+  EXPECT_EQ("clean_printer_state() START\n"
+            "STATE: -a\n"
+            "STATE: - b\n"
+            "clean_printer_state() END\n",
+            CleanPrinterStateOutput());
+}
+
 }  // namespace
