@@ -254,4 +254,25 @@ TEST(PrinterTransaction, WakeUpFailureOnAOneWayLinkEndsWithStatus1Too) {
   EXPECT_EQ(run.sleeps, "");
 }
 
+// A stream that takes only part of the wake-up command: the filter says how
+// much went, ends the transaction and the run.  What did go reaches the
+// printer when the process exits.
+TEST(PrinterTransaction, ShortWriteOfTheWakeUpEndsWithStatus1) {
+  FilterCall call;
+  call.stdin_text = "ReportStatus\n";
+  call.preload = {SHORT_FWRITE_PATH};
+  FilterResult run = run_filter(call);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "DEBUG: wr_esc_wakeup() START\n" +
+                         hex_dump("[CMD]", WAKE_UP_COMMAND) +
+                         "DEBUG: fwrite() failed. ret=2\n"
+                         "DEBUG: wr_esc_wakeup() END\n");
+  EXPECT_EQ(run.out, std::string("\x1b" "E"));
+  EXPECT_EQ(run.sleeps, "");
+  EXPECT_EQ(run.sim_log,
+            "sim: sc GET_BIDI -> OK 01\n"
+            "sim: unknown bytes (2): 1b 45\n"
+            "sim: filter exited with status 1\n");
+}
+
 }  // namespace

@@ -153,12 +153,16 @@ int open_or_die(const std::string& path, int flags) {
   return fd;
 }
 
-// The environment that preloads the sleep interposer, logging to dir.
+// The environment that preloads the sleep interposer (and any further
+// libraries), logging to dir.
 std::vector<std::pair<std::string, std::string>> fake_sleep_env(
-    const ToolPaths& tools, const std::string& dir) {
+    const ToolPaths& tools, const std::string& dir,
+    const std::vector<std::string>& preload = {}) {
+  std::string libraries = tools.fake_sleep;
+  for (const std::string& library : preload) libraries += ":" + library;
   // A filter built with AddressSanitizer refuses a preloaded library that
   // comes before its runtime unless told that this is fine.
-  return {{"LD_PRELOAD", tools.fake_sleep},
+  return {{"LD_PRELOAD", libraries},
           {"FAKE_SLEEP_LOG", dir + "/sleeps"},
           {"ASAN_OPTIONS", "verify_asan_link_order=0"}};
 }
@@ -216,7 +220,8 @@ FilterResult run_filter(const ToolPaths& tools, const FilterCall& call) {
   FilterResult result;
   double started = now();
   pid_t child =
-      spawn(words, {{0, in}, {1, null}, {2, err}}, fake_sleep_env(tools, dir));
+      spawn(words, {{0, in}, {1, null}, {2, err}},
+            fake_sleep_env(tools, dir, call.preload));
   close(in);
   close(null);
   close(err);

@@ -29,6 +29,9 @@ struct FilterCall {
   std::string stdin_text;
   // When set, written to a file whose path is added as the last argument.
   std::optional<std::string> command_file;
+  // Further libraries to preload into the filter, after the sleep
+  // interposer.
+  std::vector<std::string> preload;
 };
 
 struct FilterResult {
