@@ -6,7 +6,10 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 scripts/build.sh build
-(cd build && ctest --output-on-failure -j "$(nproc)")
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+(cd build && ctest --output-on-failure -j "$(nproc)") | tee "$log"
+summary=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -1)
 
 # Further stages (sanitizers, memory checks, fuzzing, static analysis), each
 # a script of its own that exits non-zero on failure.
@@ -16,3 +19,10 @@ for stage in sanitizers valgrind fuzz static; do
     "scripts/check-$stage.sh"
   fi
 done
+
+# One closing line for the whole run: the CTest suite's count (the extra
+# stages above have passed if we got here).
+total=$(sed -E 's/.* out of ([0-9]+)$/\1/' <<<"$summary")
+failed=$(sed -E 's/.*, ([0-9]+) tests failed.*/\1/' <<<"$summary")
+echo "tests: $((total - failed)) passed, $failed failed"
+
