@@ -20,11 +20,18 @@ std::string one_way_sim_log(const std::string& probe_answer) {
          "sim: filter exited with status 0\n";
 }
 
+// The filter's whole stderr for one "ReportStatus" line after a probe that
+// found no bidirectional link: the probe's line with its status, the
+// wake-up, the command and the unavailable state.
+std::string one_way_status_report(const std::string& status, int number) {
+  return no_bidi_line(status, number) + wake_up_lines() +
+         command_line("ReportStatus", 1) + state_lines("0023");
+}
+
 TEST(BidiProbe, OneWayReportStatusReportsTheUnavailableState) {
   FilterResult run = run_commands("ReportStatus\n", {"--oneway"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_OK", 1) + wake_up_lines() +
-                         command_line("ReportStatus", 1) + state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_OK", 1));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_EQ(run.sleeps, "usleep 500000\n");
   EXPECT_EQ(run.sim_log, one_way_sim_log("OK 00"));
@@ -59,9 +66,7 @@ TEST(BidiProbe, StatusNotImplementedMeansOneWay) {
       "ReportStatus\n", {"--bidi-status", "NOT_IMPLEMENTED", "--bidi-data", ""});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.err,
-            no_bidi_line("CUPS_SC_STATUS_NOT_IMPLEMENTED", 7) +
-                wake_up_lines() + command_line("ReportStatus", 1) +
-                state_lines("0023"));
+            one_way_status_report("CUPS_SC_STATUS_NOT_IMPLEMENTED", 7));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_EQ(run.sim_log, one_way_sim_log("NOT_IMPLEMENTED"));
 }
@@ -69,9 +74,7 @@ TEST(BidiProbe, StatusNotImplementedMeansOneWay) {
 TEST(BidiProbe, NotOkStatusWithTheSupportedByteMeansOneWay) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi-status", "2"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_IO_ERROR", 2) +
-                         wake_up_lines() + command_line("ReportStatus", 1) +
-                         state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_IO_ERROR", 2));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_EQ(run.sim_log, one_way_sim_log("IO_ERROR 01"));
 }
@@ -79,16 +82,14 @@ TEST(BidiProbe, NotOkStatusWithTheSupportedByteMeansOneWay) {
 TEST(BidiProbe, StatusWithoutANameIsUnknown) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi-status", "8"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("UNKNOWN", 8) + wake_up_lines() +
-                         command_line("ReportStatus", 1) + state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("UNKNOWN", 8));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
 }
 
 TEST(BidiProbe, EmptyAnswerMeansOneWay) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi-data", ""});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_OK", 1) + wake_up_lines() +
-                         command_line("ReportStatus", 1) + state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_OK", 1));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_EQ(run.sim_log, one_way_sim_log("OK"));
 }
@@ -96,8 +97,7 @@ TEST(BidiProbe, EmptyAnswerMeansOneWay) {
 TEST(BidiProbe, TwoByteAnswerMeansOneWay) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi-data", "0101"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_OK", 1) + wake_up_lines() +
-                         command_line("ReportStatus", 1) + state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_OK", 1));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_EQ(run.sim_log, one_way_sim_log("OK 01 01"));
 }
@@ -105,8 +105,7 @@ TEST(BidiProbe, TwoByteAnswerMeansOneWay) {
 TEST(BidiProbe, AnswerByteOtherThanOneMeansOneWay) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi-data", "81"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_OK", 1) + wake_up_lines() +
-                         command_line("ReportStatus", 1) + state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_OK", 1));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
 }
 
@@ -155,9 +154,7 @@ TEST(BidiProbe, SideChannelClosingOnTheProbeMeansOneWay) {
 TEST(BidiProbe, UnansweredProbeTimesOutAfter30Seconds) {
   FilterResult run = run_commands("ReportStatus\n", {"--bidi", "never"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_TIMEOUT", 3) +
-                         wake_up_lines() + command_line("ReportStatus", 1) +
-                         state_lines("0023"));
+  EXPECT_EQ(run.err, one_way_status_report("CUPS_SC_STATUS_TIMEOUT", 3));
   EXPECT_EQ(run.out, WAKE_UP_COMMAND);
   EXPECT_GE(run.seconds, 29.5);
   EXPECT_LE(run.seconds, 40.0);
