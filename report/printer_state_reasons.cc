@@ -1,12 +1,16 @@
 #include "report/printer_state_reasons.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <type_traits>
 
-// The printer's error codes and the vendor keywords they raise.  The first
-// matching entry wins; entry 37 is the filter's own used-up-ribbon code.
-const PrinterStateReasonEntry PRINTER_STATE_REASONS[38] = {
+// Entry 37 is the filter's own used-up-ribbon code; the printer never sends
+// it.
+const PrinterStateReasonEntry
+    PRINTER_STATE_REASONS[PRINTER_STATE_REASONS_COUNT] = {
     {{0x00, 0x00, 0x00}, {nullptr, nullptr, nullptr, nullptr}},
     {{0x06, 0x02, 0x02}, {"com.quillaroth-error0001", nullptr, nullptr, nullptr}},
     {{0x09, 0x02, 0x02}, {"com.quillaroth-error0002", nullptr, nullptr, nullptr}},
@@ -53,8 +57,22 @@ const char* const UNDEFINED_ERROR_REASON = "com.quillaroth-error0023";
 
 namespace {
 
+// The reason slots of one entry.
+constexpr size_t kReasonSlots =
+    std::extent<decltype(PrinterStateReasonEntry::reasons)>::value;
+
 // Every keyword slot of the table, and the two constants.
-constexpr size_t kMaxKnownReasons = 4 * PRINTER_STATE_REASONS_COUNT + 2;
+constexpr size_t kMaxKnownReasons =
+    kReasonSlots * PRINTER_STATE_REASONS_COUNT + 2;
+
+// Every vendor keyword the filter knows, in byte-wise order, each once.
+struct KnownReasons {
+  const char* keywords[kMaxKnownReasons];
+  size_t count;
+};
+
+// The reasons that hold now: used slots first, a null slot ends them.
+using RaisedReasons = std::array<const char*, kReasonSlots>;
 
 // Orders keywords byte by byte, as the scheduler's list is read.
 bool keyword_less(const char* a, const char* b) { return strcmp(a, b) < 0; }
@@ -62,60 +80,69 @@ bool keyword_less(const char* a, const char* b) { return strcmp(a, b) < 0; }
 // Tells whether two keywords are the same text.
 bool keyword_equal(const char* a, const char* b) { return strcmp(a, b) == 0; }
 
-}  // namespace
-
-// Writes the complete vendor state-reason report for the state.
-void update_printer_state(const PrinterState& state) {
-  // Every vendor keyword the filter knows, in byte-wise order, each once.
-  // Built afresh on every call from the constant table: no state is kept.
-  const char* known[kMaxKnownReasons];
-  size_t known_count = 0;
+// Builds the known reasons afresh from the constant table: no state is kept.
+KnownReasons known_reasons() {
+  KnownReasons known;
+  known.count = 0;
   for (const PrinterStateReasonEntry& entry : PRINTER_STATE_REASONS) {
     for (const char* reason : entry.reasons) {
       if (reason == nullptr) break;
-      known[known_count++] = reason;
+      known.keywords[known.count++] = reason;
     }
   }
-  known[known_count++] = UNAVAILABLE_REASON;
-  known[known_count++] = UNDEFINED_ERROR_REASON;
-  std::sort(known, known + known_count, keyword_less);
-  known_count = static_cast<size_t>(
-      std::unique(known, known + known_count, keyword_equal) - known);
+  known.keywords[known.count++] = UNAVAILABLE_REASON;
+  known.keywords[known.count++] = UNDEFINED_ERROR_REASON;
+  const char** begin = known.keywords;
+  std::sort(begin, begin + known.count, keyword_less);
+  known.count = static_cast<size_t>(
+      std::unique(begin, begin + known.count, keyword_equal) - begin);
+  return known;
+}
 
-  const char* raise[4] = {nullptr, nullptr, nullptr, nullptr};
+// The reasons that the state raises: the first matching entry's, or one of
+// the two constants; logs a code that no entry holds.
+RaisedReasons reasons_to_raise(const PrinterState& state) {
+  RaisedReasons raise{};  // every slot empty
   if (state == PrinterState::Unavailable()) {
     raise[0] = UNAVAILABLE_REASON;
-  } else {
-    const PrinterStateReasonEntry* match = nullptr;
-    for (const PrinterStateReasonEntry& entry : PRINTER_STATE_REASONS) {
-      if (state == &entry.error_code) {
-        match = &entry;
-        break;
-      }
-    }
-    if (match != nullptr) {
-      for (int i = 0; i < 4; i++) raise[i] = match->reasons[i];
-    } else {
-      raise[0] = UNDEFINED_ERROR_REASON;
-      fprintf(stderr, "DEBUG: encountered undefined error number (%s)\n",
-              state.to_string().c_str());
+    return raise;
+  }
+  for (const PrinterStateReasonEntry& entry : PRINTER_STATE_REASONS) {
+    if (state == &entry.error_code) {
+      std::copy(std::begin(entry.reasons), std::end(entry.reasons),
+                raise.begin());
+      return raise;
     }
   }
+  fprintf(stderr, "DEBUG: encountered undefined error number (%s)\n",
+          state.to_string().c_str());
+  raise[0] = UNDEFINED_ERROR_REASON;
+  return raise;
+}
 
-  // Raise what holds now, taking it off the list of known reasons...
+// Raises the reasons that hold, taking each off the known reasons, and then
+// withdraws every known reason left, in order.
+void write_reasons(const RaisedReasons& raise, KnownReasons known) {
   for (const char* reason : raise) {
     if (reason == nullptr) break;
     fprintf(stderr, "STATE: +%s\n", reason);
-    const char** end = known + known_count;
+    const char** end = known.keywords + known.count;
     const char** found = std::find_if(
-        known, end,
+        known.keywords, end,
         [reason](const char* k) { return keyword_equal(k, reason); });
     if (found != end) {
       std::copy(found + 1, end, found);
-      known_count--;
+      known.count--;
     }
   }
-  // ...and withdraw every other one.
-  for (size_t i = 0; i < known_count; i++)
-    fprintf(stderr, "STATE: -%s\n", known[i]);
+  for (size_t i = 0; i < known.count; i++)
+    fprintf(stderr, "STATE: -%s\n", known.keywords[i]);
+}
+
+}  // namespace
+
+void update_printer_state(const PrinterState& state) {
+  // The undefined-code line, if any, comes before every "STATE:" line.
+  RaisedReasons raise = reasons_to_raise(state);
+  write_reasons(raise, known_reasons());
 }

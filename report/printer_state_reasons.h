@@ -11,17 +11,19 @@
 #define QUILLAROTH_REPORT_PRINTER_STATE_REASONS_H_
 
 #include <cstddef>
+#include <cstdint>
 
 #include "status/printer_state.h"
 
 struct PrinterStateReasonEntry {
-  unsigned char error_code[3];  // in the order of PrinterState::error_code
-  const char* reasons[4];       // used slots first; a null slot ends them
+  uint8_t error_code[3];   // in the order of PrinterState::error_code
+  const char* reasons[4];  // used slots first; a null slot ends them
 };
 
-// The 38 known error codes, in lookup order (the first match wins).
-extern const PrinterStateReasonEntry PRINTER_STATE_REASONS[38];
+// The known error codes, in lookup order (the first match wins).
 constexpr size_t PRINTER_STATE_REASONS_COUNT = 38;
+extern const PrinterStateReasonEntry
+    PRINTER_STATE_REASONS[PRINTER_STATE_REASONS_COUNT];
 
 // Raised when nothing is known of the printer's state.
 extern const char* const UNAVAILABLE_REASON;

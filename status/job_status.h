@@ -30,7 +30,7 @@ class JobStatus {
   std::string to_string() const;
 
   Type type;
-  unsigned char status[4];
+  uint8_t status[4];
 };
 
 #endif  // QUILLAROTH_STATUS_JOB_STATUS_H_

@@ -5,20 +5,18 @@
 namespace {
 
 // Reads an unsigned big-endian 16-bit count at offset.
-uint16_t be16(const unsigned char* reply, int offset) {
+uint16_t be16(const uint8_t* reply, int offset) {
   return static_cast<uint16_t>(reply[offset] * 256 + reply[offset + 1]);
 }
 
 }  // namespace
 
-// No reply from the printer.
 PrinterInfo PrinterInfo::Unavailable() {
   return PrinterInfo(Type::Unavailable);
 }
 
-// Takes the bytes the filter needs from a reply of at least 192 bytes.
 PrinterInfo PrinterInfo::Parse(const char* reply) {
-  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(reply);
+  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(reply);
   PrinterInfo info(Type::Available);
   info.power_state = bytes[5];
   info.mech_state[0] = bytes[128];
@@ -34,7 +32,6 @@ PrinterInfo PrinterInfo::Parse(const char* reply) {
   return info;
 }
 
-// Sets the type; the fields are zero until a reply fills them.
 PrinterInfo::PrinterInfo(Type type)
     : type(type),
       power_state(0),
@@ -45,41 +42,34 @@ PrinterInfo::PrinterInfo(Type type)
       ribbon_remaining(0),
       ink_sheet_type{0, 0} {}
 
-// True exactly when the record holds a reply.
 bool PrinterInfo::isAvailable() const { return type == Type::Available; }
 
-// The printer is awake.
 bool PrinterInfo::isWakeUp() const {
   return type != Type::Unavailable && power_state == 0x00;
 }
 
-// The printer's mechanism reads good.
 bool PrinterInfo::isMechGood() const {
   return type != Type::Unavailable &&
          (mech_state[0] == 0x00 || mech_state[0] == 0x20) &&
          mech_state[1] == 0x00;
 }
 
-// The printer's memory is free.
 bool PrinterInfo::isMemoryFree() const {
   return type != Type::Unavailable && memory_state != 0xff;
 }
 
-// The printer's state; a used-up ribbon outranks the printer's own code.
 PrinterState PrinterInfo::GetPrinterState() const {
   if (type == Type::Unavailable) return PrinterState::Unavailable();
   if (ribbon_remaining >= 1) return PrinterState::Error(&error_info);
   return PrinterState::InternalSupplyLow();
 }
 
-// The ink-ribbon supply.
 PrinterLevels PrinterInfo::GetPrinterLevels() const {
   if (type == Type::Unavailable) return PrinterLevels::Unavailable();
   return PrinterLevels::Fill(ribbon_total, ribbon_remaining, ink_sheet_type[0],
                              ink_sheet_type[1]);
 }
 
-// Renders the record for the log, with the derived state and levels.
 std::string PrinterInfo::to_string() const {
   switch (type) {
     case Type::Unavailable:

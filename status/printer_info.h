@@ -61,10 +61,10 @@ class PrinterInfo {
   uint8_t power_state;
   uint8_t mech_state[2];
   uint8_t memory_state;
-  unsigned char error_info[3];
+  uint8_t error_info[3];
   uint16_t ribbon_total;
   uint16_t ribbon_remaining;
-  unsigned char ink_sheet_type[2];
+  uint8_t ink_sheet_type[2];
 };
 
 #endif  // QUILLAROTH_STATUS_PRINTER_INFO_H_

@@ -2,16 +2,12 @@
 
 #include <cstdio>
 
-// Nothing known about the supply.
 PrinterLevels PrinterLevels::Unavailable() {
   return PrinterLevels(Type::Unavailable);
 }
 
-// Levels as the printer reports them.
-PrinterLevels PrinterLevels::Fill(unsigned short total,
-                                  unsigned short remaining,
-                                  unsigned char sheet_type_0,
-                                  unsigned char sheet_type_1) {
+PrinterLevels PrinterLevels::Fill(uint16_t total, uint16_t remaining,
+                                  uint8_t sheet_type_0, uint8_t sheet_type_1) {
   PrinterLevels levels(Type::Available);
   levels.ribbon_total = total;
   levels.ribbon_remaining = remaining;
@@ -20,14 +16,11 @@ PrinterLevels PrinterLevels::Fill(unsigned short total,
   return levels;
 }
 
-// Sets the type; counts and ink-sheet type bytes are 0.
 PrinterLevels::PrinterLevels(Type type)
     : type(type), ribbon_total(0), ribbon_remaining(0), ink_sheet_type{0, 0} {}
 
-// True exactly when the levels were read from the printer.
 bool PrinterLevels::isAvailable() const { return type == Type::Available; }
 
-// The media name of the loaded ink sheet.
 std::string PrinterLevels::InkSheetTypeName() const {
   switch (ink_sheet_type[0] * 256 + ink_sheet_type[1]) {
     case 0x8400:
@@ -45,7 +38,6 @@ std::string PrinterLevels::InkSheetTypeName() const {
   return text;
 }
 
-// Renders the levels for the log, remaining count first.
 std::string PrinterLevels::to_string() const {
   switch (type) {
     case Type::Unavailable:

@@ -19,9 +19,8 @@ class PrinterLevels {
   // Nothing known: type Unavailable, every other field 0.
   static PrinterLevels Unavailable();
   // Levels read from the printer.  Mind the order: the total comes first.
-  static PrinterLevels Fill(unsigned short total, unsigned short remaining,
-                            unsigned char sheet_type_0,
-                            unsigned char sheet_type_1);
+  static PrinterLevels Fill(uint16_t total, uint16_t remaining,
+                            uint8_t sheet_type_0, uint8_t sheet_type_1);
 
   // Sets the type; counts and type bytes are 0.
   explicit PrinterLevels(Type type);
@@ -38,7 +37,7 @@ class PrinterLevels {
   Type type;
   uint16_t ribbon_total;
   uint16_t ribbon_remaining;
-  unsigned char ink_sheet_type[2];
+  uint8_t ink_sheet_type[2];
 };
 
 #endif  // QUILLAROTH_STATUS_PRINTER_LEVELS_H_

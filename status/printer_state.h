@@ -13,6 +13,12 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
+
+// Every byte field of the records is a uint8_t; callers hand in their codes
+// as plain unsigned char arrays, which must be the same type.
+static_assert(std::is_same<uint8_t, unsigned char>::value,
+              "uint8_t is unsigned char");
 
 class PrinterState {
  public:
@@ -23,7 +29,7 @@ class PrinterState {
   // The printer reports no error (code 00 00 00).
   static PrinterState Good();
   // The printer's own error code, copied byte for byte.
-  static PrinterState Error(const unsigned char (*code)[3]);
+  static PrinterState Error(const uint8_t (*code)[3]);
   // The filter's own code (fe ed 01) for an ink ribbon that is used up.
   static PrinterState InternalSupplyLow();
 
@@ -31,7 +37,7 @@ class PrinterState {
   // type is Available.
   explicit PrinterState(Type type);
   // Sets the type and copies the three code bytes, byte 0 first.
-  PrinterState(Type type, const unsigned char (*code)[3]);
+  PrinterState(Type type, const uint8_t (*code)[3]);
 
   // Two Available states are equal when their codes are; two Unavailable
   // states are always equal; a state of any other type equals nothing, not
@@ -39,14 +45,14 @@ class PrinterState {
   bool operator==(const PrinterState& other) const;
   bool operator!=(const PrinterState& other) const;
   // True exactly when the state is Available and carries this code.
-  bool operator==(const unsigned char (*code)[3]) const;
-  bool operator!=(const unsigned char (*code)[3]) const;
+  bool operator==(const uint8_t (*code)[3]) const;
+  bool operator!=(const uint8_t (*code)[3]) const;
 
   // "UNAVAILABLE", "GOOD", "0x%02x,0x%02x,0x%02x" or "UNKNOWN".
   std::string to_string() const;
 
   Type type;
-  unsigned char error_code[3];
+  uint8_t error_code[3];
 };
 
 #endif  // QUILLAROTH_STATUS_PRINTER_STATE_H_
