@@ -1,25 +1,9 @@
 #include "debug/cups_names.h"
 
 #include <cstdio>
-#include <cstring>
 
-namespace {
+#include "debug/raw_value.h"
 
-// The value as the plain int it is stored as.  Raster headers and
-// side-channel replies come from outside and may hold any number, not only
-// the ones CUPS names; reading the bytes (rather than the enumeration) keeps
-// an unnamed value well-defined, also under the undefined-behaviour checker.
-template <typename E>
-int raw_value(const E& value) {
-  static_assert(sizeof(E) == sizeof(int), "CUPS enumerations are ints");
-  int raw;
-  std::memcpy(&raw, &value, sizeof(raw));
-  return raw;
-}
-
-}  // namespace
-
-// Names a side-channel status; "UNKNOWN" for a value CUPS does not define.
 const char* to_string(cups_sc_status_e value) {
   switch (raw_value(value)) {
     case CUPS_SC_STATUS_NONE: return "CUPS_SC_STATUS_NONE";
@@ -34,7 +18,6 @@ const char* to_string(cups_sc_status_e value) {
   return "UNKNOWN";
 }
 
-// Names an AdvanceMedia value.
 const char* to_string(cups_adv_e value) {
   static char no_name[sizeof("cups_adv_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -48,7 +31,6 @@ const char* to_string(cups_adv_e value) {
   return no_name;
 }
 
-// Names a boolean value.
 const char* to_string(cups_bool_e value) {
   static char no_name[sizeof("cups_bool_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -59,7 +41,6 @@ const char* to_string(cups_bool_e value) {
   return no_name;
 }
 
-// Names a colour space.
 const char* to_string(cups_cspace_e value) {
   static char no_name[sizeof("cups_cspace_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -119,7 +100,6 @@ const char* to_string(cups_cspace_e value) {
   return no_name;
 }
 
-// Names a CutMedia value.
 const char* to_string(cups_cut_e value) {
   static char no_name[sizeof("cups_cut_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -133,7 +113,6 @@ const char* to_string(cups_cut_e value) {
   return no_name;
 }
 
-// Names a LeadingEdge value.
 const char* to_string(cups_edge_e value) {
   static char no_name[sizeof("cups_edge_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -146,7 +125,6 @@ const char* to_string(cups_edge_e value) {
   return no_name;
 }
 
-// Names a Jog value.
 const char* to_string(cups_jog_e value) {
   static char no_name[sizeof("cups_jog_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -159,7 +137,6 @@ const char* to_string(cups_jog_e value) {
   return no_name;
 }
 
-// Names a colour order.
 const char* to_string(cups_order_e value) {
   static char no_name[sizeof("cups_order_e(-2147483648)")];
   switch (raw_value(value)) {
@@ -171,7 +148,6 @@ const char* to_string(cups_order_e value) {
   return no_name;
 }
 
-// Names an orientation.
 const char* to_string(cups_orient_e value) {
   static char no_name[sizeof("cups_orient_e(-2147483648)")];
   switch (raw_value(value)) {

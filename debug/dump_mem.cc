@@ -15,7 +15,6 @@ void append(std::string& line, const char* format, Args... args) {
 
 }  // namespace
 
-// Writes a hex dump of size bytes at data to stderr, a log line per write.
 void dump_mem(const char* label, const void* data, int size) {
   const unsigned char* bytes = static_cast<const unsigned char*>(data);
   std::string line = "DEBUG: ";

@@ -1,30 +1,23 @@
 #include "debug/page_header_dump.h"
 
 #include <cstdio>
-#include <cstring>
 
 #include "debug/cups_names.h"
+#include "debug/raw_value.h"
 
 namespace {
 
 // Reads an unsigned header field as the signed value the log prints.
 int as_int(unsigned value) { return static_cast<int>(value); }
 
-// Names an enumerated header field.  A raster header may hold any number in
-// such a field, so it is read as the plain int it is stored as and never
-// loaded as the enumeration itself (which the undefined-behaviour checker
-// rejects for a value that CUPS does not name).
+// Names an enumerated header field, whatever number it holds.
 template <typename E>
 const char* name_of(const E& field) {
-  static_assert(sizeof(E) == sizeof(int), "CUPS enumerations are ints");
-  int raw;
-  std::memcpy(&raw, &field, sizeof(raw));
-  return to_string(static_cast<E>(raw));
+  return to_string(static_cast<E>(raw_value(field)));
 }
 
 }  // namespace
 
-// Writes every field of a version-1 raster page header to stderr.
 void dump(cups_page_header_s const* header) {
   const cups_page_header_s& h = *header;
   fprintf(stderr, "=== cups_page_header_t ===\n");
