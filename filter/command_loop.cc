@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "debug/cups_names.h"
+#include "link/channel_buffer.h"
 #include "link/printer_info_retry.h"
 #include "report/printer_state_reasons.h"
 #include "report/report_printer_levels.h"
@@ -16,12 +17,20 @@
 // declared in none of its public headers.
 extern "C" int _cups_strcasecmp(const char* s, const char* t);
 
-// Asks the backend whether the printer can answer our queries.
+namespace {
+
+// How long the backend may take to say whether the link is bidirectional.
+const double kBidiProbeTimeout = 30.0;
+// Room for one line of the command file.
+const int kCommandLineSize = 1024;
+
+}  // namespace
+
 bool probe_bidirectional() {
-  char data[512];
+  char data[kChannelBufferSize];
   int datalen = sizeof(data);
-  cups_sc_status_t status =
-      cupsSideChannelDoRequest(CUPS_SC_CMD_GET_BIDI, data, &datalen, 30.0);
+  cups_sc_status_t status = cupsSideChannelDoRequest(
+      CUPS_SC_CMD_GET_BIDI, data, &datalen, kBidiProbeTimeout);
   if (status == CUPS_SC_STATUS_OK && datalen == 1 &&
       static_cast<signed char>(data[0]) == CUPS_SC_BIDI_SUPPORTED)
     return true;
@@ -32,9 +41,8 @@ bool probe_bidirectional() {
   return false;
 }
 
-// Answers every command line of the file with a fresh printer query.
 void run_command_loop(cups_file_t* file, bool bidirectional) {
-  char command[1024];
+  char command[kCommandLineSize];
   char* value = nullptr;
   int linenum = 0;
   while (cupsFileGetConf(file, command, sizeof(command), &value, &linenum) !=

@@ -1,14 +1,13 @@
 #include "link/back_channel.h"
 
+#include <cups/cups.h>
 #include <cups/sidechannel.h>
 #include <poll.h>
 
 #include <cerrno>
 
-// Reads from the back channel once the printer has sent something.
 ssize_t read_back_channel(char* buffer, size_t size, double timeout) {
-  // The backend's end of the back channel is always descriptor 3.
-  struct pollfd channel = {3, POLLIN, 0};
+  struct pollfd channel = {CUPS_BC_FD, POLLIN, 0};
   int result;
   do {
     result = poll(&channel, 1, static_cast<int>(timeout * 1000));

@@ -1,4 +1,4 @@
-// Guarded reads from the CUPS back channel (file descriptor 3).
+// Guarded reads from the CUPS back channel (CUPS_BC_FD, descriptor 3).
 //
 // libcups' cupsBackChannelRead() does not keep its time-out on every
 // platform we ship to: when its wait runs out it falls through to a blocking

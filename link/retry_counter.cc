@@ -2,11 +2,9 @@
 
 #include <cstdio>
 
-// A fresh counter: nothing counted, not fulfilled.
 RetryCounter::RetryCounter(unsigned int limit)
     : count_(0), limit_(limit), fulfilled_(false) {}
 
-// Records one attempt; an expired counter stays as it is.
 void RetryCounter::Test(bool ok) {
   if (isExpired()) return;
   if (ok) {
@@ -17,13 +15,10 @@ void RetryCounter::Test(bool ok) {
   }
 }
 
-// More failures than the limit allows.
 bool RetryCounter::isExpired() const { return count_ > limit_; }
 
-// The last attempt counted succeeded.
 bool RetryCounter::isFulfilled() const { return fulfilled_; }
 
-// Renders the counter for the log, for example "retrying(3/60)".
 std::string RetryCounter::to_string() const {
   const char* word = isFulfilled() ? "fulfilled"
                      : isExpired() ? "expired"
