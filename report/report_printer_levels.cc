@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <string>
 
-// Writes the marker attributes of the ink-ribbon supply.
 void report_printer_levels(PrinterLevels const& levels) {
   fprintf(stderr, "DEBUG: [ReportLevels] %s\n", levels.to_string().c_str());
 
