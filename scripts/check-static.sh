@@ -3,29 +3,30 @@
 # .clang-tidy (warnings are errors) and cppcheck.  Exits non-zero on any
 # finding.
 # Usage: scripts/check-static.sh
-set -euo pipefail
-cd "$(dirname "$0")/.."
+source "$(dirname "$0")/lib.sh"
 dir=build-hstatic
 sources=(debug/*.cc status/*.cc report/*.cc link/*.cc filter/*.cc)
 
 start=$(date +%s)
 # clang-tidy needs the compile commands of a configured tree.
-cmake -S . -B "$dir" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DBUILD_TESTING=OFF >/dev/null
+echo "check-static: [$(now)] configure $dir for its compile commands"
+cmake -S . -B "$dir" -DCMAKE_EXPORT_COMPILE_COMMANDS=ON -DBUILD_TESTING=OFF
 
 failed=0
 tidy_log="$dir/clang-tidy.log"
-if clang-tidy -p "$dir" --quiet "${sources[@]}" >"$tidy_log" 2>&1; then
-  tidy_status=0
-else
-  tidy_status=$?
-fi
+tidy_status=0
+: >"$tidy_log"
+for i in "${!sources[@]}"; do
+  echo "check-static: [$(now)] clang-tidy $((i + 1))/${#sources[@]} ${sources[$i]}"
+  clang-tidy -p "$dir" --quiet "${sources[$i]}" >>"$tidy_log" 2>&1 || tidy_status=$?
+done
 tidy_findings=$(grep -cE '^[^ ].*: (warning|error): ' "$tidy_log" || true)
 if [ "$tidy_status" -ne 0 ] || [ "$tidy_findings" -ne 0 ]; then
   grep -E ': (warning|error): ' "$tidy_log" || tail -20 "$tidy_log"
   failed=1
 fi
+echo "check-static: clang-tidy: ${#sources[@]} files, $tidy_findings findings, $(since "$start") s"
 tidy_done=$(date +%s)
-echo "check-static: clang-tidy: ${#sources[@]} files, $tidy_findings findings, $((tidy_done - start)) s"
 
 # cppcheck's suppressions, with the reason:
 #   missingIncludeSystem  the system and libcups headers are not analysed.
@@ -37,6 +38,7 @@ echo "check-static: clang-tidy: ${#sources[@]} files, $tidy_findings findings, $
 #                         every branch assigns before it is printed.
 cppcheck_log="$dir/cppcheck.log"
 cppcheck_status=0
+echo "check-static: [$(now)] cppcheck ${#sources[@]} files"
 cppcheck --quiet --enable=warning,style,performance,portability \
     --std=c++17 --language=c++ --error-exitcode=1 --inline-suppr -I . \
     --suppress=missingIncludeSystem --suppress=useStlAlgorithm \
@@ -47,8 +49,7 @@ if [ "$cppcheck_status" -ne 0 ] || [ "$cppcheck_findings" -ne 0 ]; then
   cat "$cppcheck_log"
   failed=1
 fi
-end=$(date +%s)
-echo "check-static: cppcheck: ${#sources[@]} files, $cppcheck_findings findings, $((end - tidy_done)) s"
+echo "check-static: cppcheck: ${#sources[@]} files, $cppcheck_findings findings, $(since "$tidy_done") s"
 
 if [ "$failed" -ne 0 ]; then
   echo "check-static: FAILED"

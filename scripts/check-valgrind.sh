@@ -6,16 +6,15 @@
 # untouched; a run with errors exits 99, which also fails its test.
 # Usage: scripts/check-valgrind.sh [extra gtest filter, default: all but the
 #        30-second probe time-outs]
-set -euo pipefail
-cd "$(dirname "$0")/.."
+source "$(dirname "$0")/lib.sh"
 dir=${QUILLAROTH_BUILD_DIR:-build}
 filter=${1:--*NeverAnswered*:*UnansweredProbe*}
-jobs=$(( $(nproc) < 2 ? $(nproc) : 2 ))
 
 start=$(date +%s)
-cmake -S . -B "$dir" -DQUILLAROTH_WERROR=ON >/dev/null
-cmake --build "$dir" -j "$jobs" --target integration_tests >/dev/null
-built=$(date +%s)
+echo "check-valgrind: [$(now)] build integration_tests in $dir"
+cmake -S . -B "$dir" -DQUILLAROTH_WERROR=ON
+cmake --build "$dir" -j "$check_jobs" --target integration_tests
+build_seconds=$(since "$start")
 
 logs=$(mktemp -d /tmp/valgrind-logs.XXXXXX)
 trap 'rm -rf "$logs"' EXIT
@@ -23,24 +22,22 @@ trap 'rm -rf "$logs"' EXIT
 chmod 1777 "$logs"
 export QUILLAROTH_FILTER_WRAPPER="valgrind --quiet --error-exitcode=99 --leak-check=full --errors-for-leak-kinds=definite --show-leak-kinds=definite --track-fds=no --log-file=$logs/vg.%p"
 
+echo "check-valgrind: [$(now)] integration tests, filter under memcheck (gtest filter $filter)"
+tests_start=$(date +%s)
 status=0
-"$dir/tests/integration_tests" --gtest_filter="$filter" --gtest_brief=1 \
-    >"$logs/tests.log" 2>&1 || status=$?
-end=$(date +%s)
+"$dir/tests/integration_tests" --gtest_filter="$filter" 2>&1 |
+  tee "$logs/tests.log" || status=$?
 
 runs=$(find "$logs" -name 'vg.*' | wc -l)
 # With --quiet a clean run leaves an empty log; anything in one is a finding.
 dirty=$(find "$logs" -name 'vg.*' -size +0 | wc -l)
 errors=$(cat "$logs"/vg.* 2>/dev/null | grep -cE '^==[0-9]+== (Invalid|Conditional|Syscall param|Mismatched|Source and destination)' || true)
 lost=$(cat "$logs"/vg.* 2>/dev/null | grep -cE 'definitely lost in' || true)
-if [ "$status" -ne 0 ] || [ "$dirty" -ne 0 ]; then
-  tail -40 "$logs/tests.log"
-  for f in $(find "$logs" -name 'vg.*' -size +0 | head -5); do
-    echo "--- $f"; head -60 "$f"
-  done
-fi
+for f in $(find "$logs" -name 'vg.*' -size +0 | head -5); do
+  echo "--- $f"; head -60 "$f"
+done
 passed=$(grep -E '^\[  PASSED  \]' "$logs/tests.log" || true)
-echo "check-valgrind: $runs filter runs under memcheck, $dirty with findings ($errors errors, $lost definite leaks); tests: ${passed:-see above}; build $((built - start)) s, tests $((end - built)) s"
+echo "check-valgrind: $runs filter runs under memcheck, $dirty with findings ($errors errors, $lost definite leaks); tests: ${passed:-see above}; build $build_seconds s, tests $(since "$tests_start") s"
 if [ "$status" -ne 0 ] || [ "$dirty" -ne 0 ] || [ "$runs" -eq 0 ]; then
   echo "check-valgrind: FAILED"
   exit 1
