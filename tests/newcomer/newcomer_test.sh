@@ -8,11 +8,12 @@
 # of them there: the ones that preload libraries by path into the filter,
 # and the one that runs the filter as "nobody" when run as root.
 #
-# Prints its progress with the time.  Takes about 100 s on two idle cores
-# (a Debug build, then about ten tests); CTest stops it after 900 s.  The
-# copy is removed afterwards unless QUILLAROTH_NEWCOMER_KEEP=1.  Skipped
-# (exit 77) when the source is not a git checkout: only git knows which
-# files belong to it.
+# Prints its progress with the time.  Takes about 35 s on two cores (a Debug
+# build of about 30 s, then 8 tests; a minute more when the sleep interposer
+# fails to load and the printer that never wakes costs its real waits);
+# CTest stops it after 900 s.  The copy is removed afterwards unless
+# QUILLAROTH_NEWCOMER_KEEP=1.  Skipped (exit 77) when the source is not a
+# git checkout: only git knows which files belong to it.
 #
 # Usage: newcomer_test.sh SOURCE_DIR [extra cmake args ...]
 source "$1/scripts/lib.sh"
