@@ -70,6 +70,8 @@ if [ -n "$summary" ]; then
   ctest_failed=$(sed -E 's/.*, ([0-9]+) tests failed.*/\1/' <<<"$summary")
   passed=$((passed + total - ctest_failed))
   failed=$((failed + ctest_failed))
+  # ctest failed with every test passed (an error of its own): one failure.
+  if [ "$status" -ne 0 ] && [ "$ctest_failed" -eq 0 ]; then failed=$((failed + 1)); fi
   note "ctest ($summary)" "$status"
 else
   # No summary: ctest itself failed (a bad configuration, no tests).
