@@ -1,4 +1,14 @@
-# Installation into CUPS and the Debian package.
+# Installation into CUPS, in two components:
+#
+#   filter  the command filter and the PPD lines for a printer's queue
+#           (the Debian package printer-driver-quillaroth)
+#   sim     the simulated printer: the test harness quillaroth-sim, the CUPS
+#           backend quillarothsim and its PPD (the Debian package
+#           quillaroth-sim)
+#
+# "cmake --install BUILD" installs both; "--component filter" only the
+# filter, so that a production server gets no simulated printer in CUPS'
+# backend list.  debian/rules installs each component into its package.
 #
 # CUPS finds filters and backends only in its own server directory
 # (cups-config --serverbin, /usr/lib/cups on Debian), so that is where the
@@ -36,6 +46,9 @@ set(QUILLAROTH_CUPS_SERVERBIN ${_quillaroth_serverbin} CACHE PATH
   "CUPS server directory (its filter/ and backend/ folders)")
 set(QUILLAROTH_PPD_DIR /usr/share/ppd/quillaroth CACHE PATH
   "Folder for the PPD files of the queues")
+# A relative folder lies below the install prefix.
+set(QUILLAROTH_DOC_DIR share/doc/commandtoquillaroth CACHE STRING
+  "Folder for the filter's documentation (the PPD lines for existing queues)")
 
 # Sets OUT to PATH relative to the install prefix when PATH lies inside it,
 # to PATH itself otherwise.
@@ -53,7 +66,8 @@ endfunction()
 
 quillaroth_install_dir(QUILLAROTH_SERVERBIN_DEST "${QUILLAROTH_CUPS_SERVERBIN}")
 quillaroth_install_dir(QUILLAROTH_PPD_DEST "${QUILLAROTH_PPD_DIR}")
-set(QUILLAROTH_DOC_DEST share/doc/commandtoquillaroth)
+quillaroth_install_dir(QUILLAROTH_DOC_DEST "${QUILLAROTH_DOC_DIR}")
+include(GNUInstallDirs)
 message(STATUS "Filter installs to ${QUILLAROTH_SERVERBIN_DEST}/filter, "
   "PPD to ${QUILLAROTH_PPD_DEST} (relative paths: below the install prefix "
   "${CMAKE_INSTALL_PREFIX})")
@@ -62,77 +76,67 @@ set(_quillaroth_program_mode
   OWNER_READ OWNER_WRITE OWNER_EXECUTE
   GROUP_READ GROUP_EXECUTE
   WORLD_READ WORLD_EXECUTE)
+set(_quillaroth_data_mode OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
+# The filter component.
 install(TARGETS commandtoquillaroth
   RUNTIME DESTINATION ${QUILLAROTH_SERVERBIN_DEST}/filter
-  PERMISSIONS ${_quillaroth_program_mode})
-
-if(TARGET quillarothsim)
-  install(TARGETS quillarothsim
-    RUNTIME DESTINATION ${QUILLAROTH_SERVERBIN_DEST}/backend
-    PERMISSIONS ${_quillaroth_program_mode})
-endif()
-
-install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-sim.ppd
-  DESTINATION ${QUILLAROTH_PPD_DEST}
-  PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  PERMISSIONS ${_quillaroth_program_mode}
+  COMPONENT filter)
 
 # The lines to paste into the PPD of a real printer's queue.
 install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-command-filter.txt
   DESTINATION ${QUILLAROTH_DOC_DEST}
-  PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  PERMISSIONS ${_quillaroth_data_mode}
+  COMPONENT filter)
 
-# Debian package: cpack -G DEB in the build folder.
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME commandtoquillaroth)
-set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_VENDOR "Quillaroth filter developers")
-set(CPACK_PACKAGE_CONTACT "Quillaroth filter developers <root@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
-  "CUPS command filter for Quillaroth dye-sublimation photo printers")
-set(CPACK_PACKAGE_DESCRIPTION
-  "commandtoquillaroth answers the ReportLevels and ReportStatus command jobs of a CUPS queue: it queries the printer through the backend and reports the printer's state reasons and its ink-ribbon level to the scheduler.")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_SET_DESTDIR ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-# The run-time libraries the programs really link (libcups2 and the C and
-# C++ run-time), worked out by dpkg-shlibdeps.
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS cups-daemon)
-include(CPack)
+# The sim component.
+if(TARGET quillaroth-sim)
+  install(TARGETS quillaroth-sim
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    PERMISSIONS ${_quillaroth_program_mode}
+    COMPONENT sim)
+endif()
+
+if(TARGET quillarothsim)
+  install(TARGETS quillarothsim
+    RUNTIME DESTINATION ${QUILLAROTH_SERVERBIN_DEST}/backend
+    PERMISSIONS ${_quillaroth_program_mode}
+    COMPONENT sim)
+endif()
+
+install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-sim.ppd
+  DESTINATION ${QUILLAROTH_PPD_DEST}
+  PERMISSIONS ${_quillaroth_data_mode}
+  COMPONENT sim)
+
+# The USB emulation (sim/usb/, target quillaroth_usb_printer: a libusb-1.0
+# that CUPS' own usb backend loads instead of the real one) belongs to the
+# sim component too, in a private folder of its own where no other
+# program's library search finds it.
+set(QUILLAROTH_SIM_LIBDIR lib/quillaroth-sim)
+if(TARGET quillaroth_usb_printer)
+  install(TARGETS quillaroth_usb_printer
+    LIBRARY DESTINATION ${QUILLAROTH_SIM_LIBDIR} NAMELINK_SKIP
+    COMPONENT sim)
+endif()
 
 # Checks of the above: staged installs (DESTDIR and --prefix), the PPD under
-# cupstestppd, the PPD fragment, and the Debian package.
+# cupstestppd, the PPD fragment.  The Debian packages are checked by
+# scripts/check-packaging.sh.
 if(BUILD_TESTING)
-  set(_quillaroth_have_backend 0)
-  if(TARGET quillarothsim)
-    set(_quillaroth_have_backend 1)
+  set(_quillaroth_have_sim 0)
+  if(TARGET quillarothsim AND TARGET quillaroth-sim)
+    set(_quillaroth_have_sim 1)
   endif()
   add_test(NAME install.staged_trees
     COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/install_test.sh
       ${CMAKE_BINARY_DIR} ${CMAKE_INSTALL_PREFIX}
       ${QUILLAROTH_SERVERBIN_DEST} ${QUILLAROTH_PPD_DEST}
-      ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_backend})
+      ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR})
   add_test(NAME install.ppd_fragment
     COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/ppd_fragment_test.sh
       ${CMAKE_CURRENT_SOURCE_DIR})
   set_tests_properties(install.staged_trees install.ppd_fragment
     PROPERTIES LABELS install TIMEOUT 300)
-  # A sanitizer build is never packaged (its programs would depend on the
-  # sanitizer run-times), so the package is checked in plain builds only.
-  if(NOT QUILLAROTH_SANITIZE)
-    add_test(NAME install.debian_package
-      COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/package_test.sh
-        ${CMAKE_BINARY_DIR} ${PROJECT_VERSION}
-        ${QUILLAROTH_CUPS_SERVERBIN} ${QUILLAROTH_PPD_DIR}
-        ${CMAKE_INSTALL_PREFIX}/${QUILLAROTH_DOC_DEST} ${_quillaroth_have_backend})
-    # Both install the whole build; the package build also runs the build's
-    # preinstall step, so they do not run beside each other.
-    set_tests_properties(install.debian_package PROPERTIES
-      LABELS install TIMEOUT 300 RESOURCE_LOCK quillaroth_install)
-    set_tests_properties(install.staged_trees PROPERTIES
-      RESOURCE_LOCK quillaroth_install)
-  endif()
 endif()

@@ -4,12 +4,12 @@
 # with what CUPS needs; then runs cupstestppd on the installed PPD, which
 # also checks that the filter named by the PPD is installed where CUPS
 # looks for it.
-# Usage: install_test.sh BUILD_DIR PREFIX SERVERBIN_DEST PPD_DEST DOC_DEST HAVE_BACKEND
+# Usage: install_test.sh BUILD_DIR PREFIX SERVERBIN_DEST PPD_DEST DOC_DEST HAVE_SIM BIN_DEST
 # (the *_DEST folders as the install rules name them: relative to the
 # prefix, or absolute).
 set -euo pipefail
 
-build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 have_backend=$6
+build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 have_sim=$6 bin_dir=$7
 work=$(mktemp -d /tmp/quillaroth-install.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -53,14 +53,20 @@ check() {
   fi
 }
 
-# The files of an install below the given base (prefix inside the tree).
+# The files of an install below the given base (prefix inside the tree):
+# of one component (filter or sim), or of all.
 files_below() {
-  local base=$1
-  local args=(-rwxr-xr-x "$(staged "$serverbin/filter/commandtoquillaroth" "$base")"
-              -rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")"
-              -rw-r--r-- "$(staged "$doc_dir/quillaroth-command-filter.txt" "$base")")
-  if [ "$have_backend" = 1 ]; then
-    args+=(-rwxr-xr-x "$(staged "$serverbin/backend/quillarothsim" "$base")")
+  local base=$1 component=${2:-all} args=()
+  if [ "$component" != sim ]; then
+    args+=(-rwxr-xr-x "$(staged "$serverbin/filter/commandtoquillaroth" "$base")"
+           -rw-r--r-- "$(staged "$doc_dir/quillaroth-command-filter.txt" "$base")")
+  fi
+  if [ "$component" != filter ]; then
+    args+=(-rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")")
+    if [ "$have_sim" = 1 ]; then
+      args+=(-rwxr-xr-x "$(staged "$serverbin/backend/quillarothsim" "$base")"
+             -rwxr-xr-x "$(staged "$bin_dir/quillaroth-sim" "$base")")
+    fi
   fi
   expected_listing "${args[@]}"
 }
@@ -70,7 +76,15 @@ files_below() {
 DESTDIR="$work/destdir" cmake --install "$build" >/dev/null
 check "DESTDIR install" "$(files_below "$prefix")" "$(actual_listing "$work/destdir")"
 
-# 2. --prefix: relative destinations move with the prefix.  Absolute ones
+# 2. Each component alone: the filter without the simulated printer (a
+#    production server), and the simulated printer without the filter.
+for component in filter sim; do
+  DESTDIR="$work/$component" cmake --install "$build" --component $component >/dev/null
+  check "$component component" "$(files_below "$prefix" $component)" \
+    "$(actual_listing "$work/$component")"
+done
+
+# 3. --prefix: relative destinations move with the prefix.  Absolute ones
 #    would go to the real system, so they are staged below DESTDIR here.
 if [ "${serverbin:0:1}" = / ] || [ "${ppd_dir:0:1}" = / ]; then
   echo "note: absolute install folders; --prefix is checked below DESTDIR"
@@ -81,7 +95,7 @@ else
   check "--prefix install" "$(files_below /)" "$(actual_listing "$work/prefix")"
 fi
 
-# 3. cupstestppd on the installed PPD, with the DESTDIR tree as its root so
+# 4. cupstestppd on the installed PPD, with the DESTDIR tree as its root so
 #    that the filter it names is looked up there.
 ppd="$work/destdir/$(staged "$ppd_dir/quillaroth-sim.ppd" "$prefix")"
 status=0
