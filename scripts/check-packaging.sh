@@ -1,0 +1,188 @@
+#!/usr/bin/env bash
+# Builds the Debian packages (debian/) from a throw-away copy of the tree,
+# so that the checkout stays clean, and checks them:
+#   1. lintian on the source and binary packages: no error, no warning;
+#   2. the file list and the control fields of each package;
+#   3. installed on this machine, their autopkgtests (debian/tests), which
+#      run the installed filter, simulator and backend, one of them under a
+#      private cupsd;
+#   4. removed again, nothing of theirs left behind.
+# The packages must not be installed beforehand (the check would remove
+# them).  Installing needs root, or sudo.
+# Usage: scripts/check-packaging.sh
+#        (QUILLAROTH_PACKAGING_KEEP=1 keeps the packages and logs in /tmp)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+readonly kPackages=(printer-driver-quillaroth quillaroth-sim)
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+version=$(dpkg-parsechangelog -S Version)
+arch=$(dpkg --print-architecture)
+jobs=$(( $(nproc) < 2 ? $(nproc) : 2 ))
+work=$(mktemp -d /tmp/quillaroth-packaging.XXXXXX)
+installed=0
+failed=0
+
+# Removes the packages if this run installed them, and the work folder
+# (unless QUILLAROTH_PACKAGING_KEEP is set: then its path is printed, for a
+# look at the packages and the logs).
+cleanup() {
+  if [ "$installed" = 1 ]; then
+    $sudo dpkg --purge "${kPackages[@]}" >/dev/null 2>&1 || true
+  fi
+  if [ -n "${QUILLAROTH_PACKAGING_KEEP:-}" ]; then
+    echo "check-packaging: kept $work"
+  else
+    rm -rf "$work"
+  fi
+}
+trap cleanup EXIT
+
+# Compares two texts; prints both on a difference and marks the failure.
+check() {
+  if [ "$2" != "$3" ]; then
+    echo "FAIL: $1"
+    diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") || true
+    failed=1
+  else
+    echo "ok: $1"
+  fi
+}
+
+# Sets the variable named by $1 to the seconds since the step before, and
+# starts the next step.
+lap() {
+  local now
+  now=$(date +%s)
+  printf -v "$1" '%s' "$((now - step_start))"
+  step_start=$now
+}
+
+# The package's entries as "MODE OWNER PATH", in dpkg -c's order.
+contents() {
+  dpkg -c "$work/${1}_${version}_${arch}.deb" | awk '{print $1, $2, $6}'
+}
+
+# The package's Depends and Recommends, without the version bounds of the
+# shared libraries (dpkg-shlibdeps works them out).
+relations() {
+  dpkg-deb -f "$work/${1}_${version}_${arch}.deb" Depends Recommends |
+    sed 's/\(lib[^ ,]*\) ([^)]*)/\1/g'
+}
+
+for package in "${kPackages[@]}"; do
+  if dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
+    echo "check-packaging: $package is installed here; remove it first, this check installs and removes its own build"
+    exit 1
+  fi
+done
+project_version=$(sed -n 's/^project(commandtoquillaroth VERSION \([^ )]*\).*/\1/p' CMakeLists.txt)
+check "debian/changelog's version is the project's ($project_version)" \
+  "$project_version" "$version"
+
+# The tracked files and the new ones not ignored, as they are now.
+tree="$work/commandtoquillaroth-$version"
+mkdir "$tree"
+git ls-files -z --cached --others --exclude-standard |
+  tar --null -T - -cf - | tar -xf - -C "$tree"
+
+step_start=$(date +%s)
+echo "check-packaging: dpkg-buildpackage -us -uc (source and binary packages)"
+if ! (cd "$tree" && DEB_BUILD_OPTIONS="parallel=$jobs ${DEB_BUILD_OPTIONS:-}" \
+        dpkg-buildpackage -us -uc >"$work/build.log" 2>&1); then
+  tail -60 "$work/build.log"
+  echo "check-packaging: FAILED (package build)"
+  exit 1
+fi
+grep -E '^\[  (PASSED|FAILED)  \]' "$work/build.log" | sed 's/^/unit tests at build time: /'
+lap build_time
+check "packages built" "./printer-driver-quillaroth-dbgsym_${version}_${arch}.deb
+./printer-driver-quillaroth_${version}_${arch}.deb
+./quillaroth-sim-dbgsym_${version}_${arch}.deb
+./quillaroth-sim_${version}_${arch}.deb" "$(cd "$work" && ls ./*.deb)"
+
+echo "check-packaging: lintian"
+lintian_status=0
+lintian_out=$(lintian --fail-on error,warning \
+                "$work/commandtoquillaroth_${version}_${arch}.changes" 2>&1) ||
+  lintian_status=$?
+grep -v '^running with root privileges is not recommended!$' <<<"$lintian_out" || true
+check "lintian: no error, no warning" 0 "$lintian_status"
+lap lintian_time
+
+check "printer-driver-quillaroth: files" "drwxr-xr-x root/root ./
+drwxr-xr-x root/root ./usr/
+drwxr-xr-x root/root ./usr/lib/
+drwxr-xr-x root/root ./usr/lib/cups/
+drwxr-xr-x root/root ./usr/lib/cups/filter/
+-rwxr-xr-x root/root ./usr/lib/cups/filter/commandtoquillaroth
+drwxr-xr-x root/root ./usr/share/
+drwxr-xr-x root/root ./usr/share/doc/
+drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/README.md.gz
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/changelog.gz
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/copyright
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt" \
+  "$(contents printer-driver-quillaroth)"
+check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1
+Recommends: cups-daemon" "$(relations printer-driver-quillaroth)"
+
+check "quillaroth-sim: files" "drwxr-xr-x root/root ./
+drwxr-xr-x root/root ./usr/
+drwxr-xr-x root/root ./usr/bin/
+-rwxr-xr-x root/root ./usr/bin/quillaroth-sim
+drwxr-xr-x root/root ./usr/lib/
+drwxr-xr-x root/root ./usr/lib/cups/
+drwxr-xr-x root/root ./usr/lib/cups/backend/
+-rwxr-xr-x root/root ./usr/lib/cups/backend/quillarothsim
+drwxr-xr-x root/root ./usr/share/
+drwxr-xr-x root/root ./usr/share/doc/
+drwxr-xr-x root/root ./usr/share/doc/quillaroth-sim/
+-rw-r--r-- root/root ./usr/share/doc/quillaroth-sim/README.md.gz
+-rw-r--r-- root/root ./usr/share/doc/quillaroth-sim/changelog.gz
+-rw-r--r-- root/root ./usr/share/doc/quillaroth-sim/copyright
+drwxr-xr-x root/root ./usr/share/man/
+drwxr-xr-x root/root ./usr/share/man/man1/
+-rw-r--r-- root/root ./usr/share/man/man1/quillaroth-sim.1.gz
+drwxr-xr-x root/root ./usr/share/ppd/
+drwxr-xr-x root/root ./usr/share/ppd/quillaroth/
+-rw-r--r-- root/root ./usr/share/ppd/quillaroth/quillaroth-sim.ppd" \
+  "$(contents quillaroth-sim)"
+check "quillaroth-sim: relations" \
+  "Depends: printer-driver-quillaroth (= $version), libc6, libcups2, libgcc-s1, libstdc++6" \
+  "$(relations quillaroth-sim)"
+lap contents_time
+
+# autopkgtest installs the packages (and what the tests depend on) on this
+# machine itself: the null testbed.
+echo "check-packaging: autopkgtest (installs ${kPackages[*]})"
+installed=1
+autopkgtest_status=0
+$sudo autopkgtest --output-dir "$work/autopkgtest" \
+  "$work/commandtoquillaroth_${version}.dsc" \
+  "$work/printer-driver-quillaroth_${version}_${arch}.deb" \
+  "$work/quillaroth-sim_${version}_${arch}.deb" \
+  -- null >"$work/autopkgtest.log" 2>&1 || autopkgtest_status=$?
+if [ "$autopkgtest_status" != 0 ]; then
+  tail -80 "$work/autopkgtest.log"
+fi
+sed 's/^/autopkgtest: /' "$work/autopkgtest/summary"
+check "autopkgtest: every test passed" 0 "$autopkgtest_status"
+lap autopkgtest_time
+
+# Removed, nothing of theirs may be left.
+$sudo dpkg --purge "${kPackages[@]}" >/dev/null
+installed=0
+left=$(for package in "${kPackages[@]}"; do
+         dpkg -c "$work/${package}_${version}_${arch}.deb" | awk '$1 !~ /^d/ {print substr($6, 2)}'
+       done | while read -r path; do [ -e "$path" ] && echo "$path"; done || true)
+check "removed: no file left" "" "$left"
+lap remove_time
+
+echo "check-packaging: build $build_time s, lintian $lintian_time s, contents $contents_time s, autopkgtest $autopkgtest_time s, removal $remove_time s"
+if [ "$failed" != 0 ]; then
+  echo "check-packaging: FAILED"
+  exit 1
+fi
+echo "check-packaging: OK"
