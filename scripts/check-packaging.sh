@@ -123,6 +123,8 @@ drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/README.md.gz
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/changelog.gz
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/copyright
+drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/examples/
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/examples/commands.txt
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt" \
   "$(contents printer-driver-quillaroth)"
 check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1
