@@ -39,16 +39,7 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# Compares two texts; prints both on a difference and marks the failure.
-check() {
-  if [ "$2" != "$3" ]; then
-    echo "FAIL: $1"
-    diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") || true
-    failed=1
-  else
-    echo "ok: $1"
-  fi
-}
+source scripts/lib/compare.sh
 
 # Sets the variable named by $1 to the seconds since the step before, and
 # starts the next step.

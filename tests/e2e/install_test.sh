@@ -42,16 +42,7 @@ staged() {
   esac
 }
 
-# Compares two texts; prints both on a difference and marks the failure.
-check() {
-  if [ "$2" != "$3" ]; then
-    echo "FAIL: $1"
-    diff <(printf '%s\n' "$2") <(printf '%s\n' "$3") || true
-    failed=1
-  else
-    echo "ok: $1"
-  fi
-}
+source "$(dirname "$0")/../../scripts/lib/compare.sh"
 
 # The files of an install below the given base (prefix inside the tree):
 # of one component (filter or sim), or of all.
