@@ -34,7 +34,8 @@ cleanup() {
   if [ -n "${QUILLAROTH_PACKAGING_KEEP:-}" ]; then
     echo "check-packaging: kept $work"
   else
-    rm -rf "$work"
+    # autopkgtest's results there belong to root.
+    $sudo rm -rf "$work"
   fi
 }
 trap cleanup EXIT
@@ -64,7 +65,7 @@ relations() {
 
 for package in "${kPackages[@]}"; do
   if dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
-    echo "check-packaging: $package is installed here; remove it first, this check installs and removes its own build"
+    echo "check-packaging: $package is installed here, and this check installs and removes its own build; first: sudo apt-get purge ${kPackages[*]}"
     exit 1
   fi
 done
