@@ -11,15 +11,14 @@
 # them).  Installing needs root, or sudo.
 # Usage: scripts/check-packaging.sh
 #        (QUILLAROTH_PACKAGING_KEEP=1 keeps the packages and logs in /tmp)
-set -euo pipefail
-cd "$(dirname "$0")/.."
+source "$(dirname "$0")/lib.sh"
+source scripts/compare.sh
 
 readonly kPackages=(printer-driver-quillaroth quillaroth-sim)
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo="sudo"
 version=$(dpkg-parsechangelog -S Version)
 arch=$(dpkg --print-architecture)
-jobs=$(( $(nproc) < 2 ? $(nproc) : 2 ))
 work=$(mktemp -d /tmp/quillaroth-packaging.XXXXXX)
 installed=0
 failed=0
@@ -39,17 +38,6 @@ cleanup() {
   fi
 }
 trap cleanup EXIT
-
-source scripts/lib/compare.sh
-
-# Sets the variable named by $1 to the seconds since the step before, and
-# starts the next step.
-lap() {
-  local now
-  now=$(date +%s)
-  printf -v "$1" '%s' "$((now - step_start))"
-  step_start=$now
-}
 
 # The package's entries as "MODE OWNER PATH", in dpkg -c's order.
 contents() {
@@ -79,29 +67,30 @@ mkdir "$tree"
 git ls-files -z --cached --others --exclude-standard |
   tar --null -T - -cf - | tar -xf - -C "$tree"
 
-step_start=$(date +%s)
-echo "check-packaging: dpkg-buildpackage -us -uc (source and binary packages)"
-if ! (cd "$tree" && DEB_BUILD_OPTIONS="parallel=$jobs ${DEB_BUILD_OPTIONS:-}" \
+start=$(date +%s)
+echo "check-packaging: [$(now)] dpkg-buildpackage -us -uc (source and binary packages)"
+if ! (cd "$tree" && DEB_BUILD_OPTIONS="parallel=$build_jobs ${DEB_BUILD_OPTIONS:-}" \
         dpkg-buildpackage -us -uc >"$work/build.log" 2>&1); then
   tail -60 "$work/build.log"
   echo "check-packaging: FAILED (package build)"
   exit 1
 fi
 grep -E '^\[  (PASSED|FAILED)  \]' "$work/build.log" | sed 's/^/unit tests at build time: /'
-lap build_time
+build_seconds=$(since "$start")
 check "packages built" "./printer-driver-quillaroth-dbgsym_${version}_${arch}.deb
 ./printer-driver-quillaroth_${version}_${arch}.deb
 ./quillaroth-sim-dbgsym_${version}_${arch}.deb
 ./quillaroth-sim_${version}_${arch}.deb" "$(cd "$work" && ls ./*.deb)"
 
-echo "check-packaging: lintian"
+echo "check-packaging: [$(now)] lintian"
+start=$(date +%s)
 lintian_status=0
 lintian_out=$(lintian --fail-on error,warning \
                 "$work/commandtoquillaroth_${version}_${arch}.changes" 2>&1) ||
   lintian_status=$?
 grep -v '^running with root privileges is not recommended!$' <<<"$lintian_out" || true
 check "lintian: no error, no warning" 0 "$lintian_status"
-lap lintian_time
+lintian_seconds=$(since "$start")
 
 check "printer-driver-quillaroth: files" "drwxr-xr-x root/root ./
 drwxr-xr-x root/root ./usr/
@@ -146,11 +135,11 @@ drwxr-xr-x root/root ./usr/share/ppd/quillaroth/
 check "quillaroth-sim: relations" \
   "Depends: printer-driver-quillaroth (= $version), libc6, libcups2, libgcc-s1, libstdc++6" \
   "$(relations quillaroth-sim)"
-lap contents_time
 
 # autopkgtest installs the packages (and what the tests depend on) on this
 # machine itself: the null testbed.
-echo "check-packaging: autopkgtest (installs ${kPackages[*]})"
+echo "check-packaging: [$(now)] autopkgtest (installs ${kPackages[*]})"
+start=$(date +%s)
 installed=1
 autopkgtest_status=0
 $sudo autopkgtest --output-dir "$work/autopkgtest" \
@@ -163,18 +152,18 @@ if [ "$autopkgtest_status" != 0 ]; then
 fi
 sed 's/^/autopkgtest: /' "$work/autopkgtest/summary"
 check "autopkgtest: every test passed" 0 "$autopkgtest_status"
-lap autopkgtest_time
+autopkgtest_seconds=$(since "$start")
 
 # Removed, nothing of theirs may be left.
+echo "check-packaging: [$(now)] dpkg --purge ${kPackages[*]}"
 $sudo dpkg --purge "${kPackages[@]}" >/dev/null
 installed=0
 left=$(for package in "${kPackages[@]}"; do
          dpkg -c "$work/${package}_${version}_${arch}.deb" | awk '$1 !~ /^d/ {print substr($6, 2)}'
        done | while read -r path; do [ -e "$path" ] && echo "$path"; done || true)
 check "removed: no file left" "" "$left"
-lap remove_time
 
-echo "check-packaging: build $build_time s, lintian $lintian_time s, contents $contents_time s, autopkgtest $autopkgtest_time s, removal $remove_time s"
+echo "check-packaging: build $build_seconds s, lintian $lintian_seconds s, autopkgtest $autopkgtest_seconds s"
 if [ "$failed" != 0 ]; then
   echo "check-packaging: FAILED"
   exit 1

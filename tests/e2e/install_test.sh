@@ -42,7 +42,7 @@ staged() {
   esac
 }
 
-source "$(dirname "$0")/../../scripts/lib/compare.sh"
+source "$(dirname "$0")/../../scripts/compare.sh"
 
 # The files of an install below the given base (prefix inside the tree):
 # of one component (filter or sim), or of all.
