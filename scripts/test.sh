@@ -13,7 +13,7 @@ source "$(dirname "$0")/lib.sh"
 
 # The extra checks, in the order they run: adding one is adding its name
 # here and writing its script.
-checks=(sanitizers valgrind fuzz static)
+checks=(sanitizers valgrind fuzz static packaging)
 
 passed=0
 failed=0
