@@ -246,14 +246,33 @@ void PrinterServer::Reply(const char* what, const ReplyPlan& plan) {
     CloseBackChannel();
     return;
   }
+  // The log says what the reply carries: for printer information the
+  // power state, error code, ink-sheet type and ribbon counts (a field
+  // beyond a short reply's end is "cut off"), for job status its four
+  // status bytes.
+  const Bytes& b = plan.bytes;
+  auto field = [&b](const char* name, size_t offset, size_t width) {
+    if (b.size() < offset + width) return std::string(name) + " cut off";
+    return std::string(name) + " " + hex_text(b.data() + offset, width);
+  };
+  std::string contents;
+  if (std::strcmp(what, JOB_STATUS.name) == 0) {
+    contents = field("status", 8, 4);
+  } else {
+    contents = field("power", 5, 1) + ", " + field("error", 131, 3) + ", " +
+               field("sheet", 145, 2) + ", ";
+    contents += b.size() < 152 ? "ribbon cut off"
+                               : "ribbon " + std::to_string(b[150] << 8 | b[151]) +
+                                     "/" + std::to_string(b[148] << 8 | b[149]);
+  }
   std::string pieces;
   for (size_t piece : plan.pieces)
     pieces += (pieces.empty() ? "" : ",") + std::to_string(piece);
   if (plan.pieces.size() > 1)
-    log_.Line("reply %zu bytes in pieces %s", plan.bytes.size(),
-              pieces.c_str());
+    log_.Line("reply %zu bytes in pieces %s: %s", b.size(), pieces.c_str(),
+              contents.c_str());
   else
-    log_.Line("reply %zu bytes", plan.bytes.size());
+    log_.Line("reply %zu bytes: %s", b.size(), contents.c_str());
   size_t offset = 0;
   for (size_t piece : plan.pieces) {
     pieces_.emplace_back(plan.bytes.begin() + static_cast<long>(offset),

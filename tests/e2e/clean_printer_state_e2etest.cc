@@ -25,13 +25,13 @@ class CleanPrinterStateTest : public CupsdTest {
   // Starts every test without a user lpoptions file.
   void SetUp() override {
     CupsdTest::SetUp();
-    if (HasFatalFailure()) return;
+    if (HasFatalFailure() || IsSkipped()) return;
     remove(LpoptionsPath().c_str());
   }
   // Leaves no lpoptions file behind for the next test.
   void TearDown() override {
     CupsdTest::TearDown();
-    remove(LpoptionsPath().c_str());
+    if (!IsSkipped() && !HasFatalFailure()) remove(LpoptionsPath().c_str());
   }
 
   // The user's lpoptions file, which cupsGetDests() reads.

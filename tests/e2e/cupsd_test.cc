@@ -7,6 +7,8 @@
 #include <memory>
 #include <sstream>
 
+#include "tests/support/built_tools.h"
+
 namespace {
 
 std::unique_ptr<PrivateCupsd> shared_cupsd;
@@ -21,7 +23,8 @@ PrivateCupsd* SharedCupsd(std::string* error) {
   if (!tried) {
     tried = true;
     shared_cupsd = std::make_unique<PrivateCupsd>(
-        CUPSD_PATH, CUPS_EXEC_PATH, CUPS_DATA_DIR, FILTER_PATH, BACKEND_PATH, PPD_PATH);
+        CUPSD_PATH, CUPS_EXEC_PATH, CUPS_DATA_DIR, BuiltTools().filter,
+        BuiltTools().backend, PPD_PATH);
     if (shared_cupsd->MakeRoot(&start_error)) {
       setenv("HOME", (shared_cupsd->root() + "/home").c_str(), 1);
       setenv("CUPS_SERVERROOT", (shared_cupsd->root() + "/client").c_str(), 1);
@@ -44,8 +47,11 @@ PrivateCupsd* SharedCupsd(std::string* error) {
 // Stops the shared scheduler, if one was started, and removes its tree.
 void CupsdEnvironment::TearDown() { shared_cupsd.reset(); }
 
-// Fails the test unless the shared scheduler runs.
+// Skips the test where no private scheduler can run; fails it unless the
+// shared scheduler runs.
 void CupsdTest::SetUp() {
+  std::string why = PrivateCupsd::WhyNotHere();
+  if (!why.empty()) GTEST_SKIP() << "no private cupsd here: " << why;
   std::string error;
   ASSERT_NE(nullptr, SharedCupsd(&error))
       << "cannot run the private cupsd: " << error;

@@ -25,7 +25,8 @@ class CupsdEnvironment : public ::testing::Environment {
 
 class CupsdTest : public ::testing::Test {
  protected:
-  // Fails the test unless the shared scheduler runs (starting it if needed).
+  // Skips the test where no private scheduler can run (not root); fails it
+  // unless the shared scheduler runs (starting it if needed).
   void SetUp() override;
   // On failure, prints the scheduler's log lines of this test's jobs and its
   // error lines.

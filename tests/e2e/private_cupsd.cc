@@ -2,55 +2,25 @@
 
 #include <cups/cups.h>
 #include <fcntl.h>
-#include <ftw.h>
 #include <netinet/in.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <sstream>
 #include <utility>
 #include <vector>
+
+#include "tests/support/files.h"
 
 namespace {
 
 // Sleeps for the given number of milliseconds.
 void SleepMs(int ms) { usleep(static_cast<useconds_t>(ms) * 1000); }
-
-// Reads a whole file; "" when it cannot be read.
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-// Writes a whole file with the given mode; false on any error.
-bool WriteFile(const std::string& path, const std::string& text, mode_t mode) {
-  int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
-  if (fd < 0) return false;
-  bool ok = write(fd, text.data(), text.size()) ==
-            static_cast<ssize_t>(text.size());
-  ok = fchmod(fd, mode) == 0 && ok;
-  return close(fd) == 0 && ok;
-}
-
-// Copies a program into the tree with mode 0755.
-bool CopyProgram(const std::string& from, const std::string& to) {
-  std::ifstream in(from, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return WriteFile(to, bytes.str(), 0755);
-}
 
 // Asks the kernel for a loopback TCP port that is free right now.
 int FreeLoopbackPort() {
@@ -68,12 +38,6 @@ int FreeLoopbackPort() {
     port = ntohs(addr.sin_port);
   close(fd);
   return port;
-}
-
-// Removes one entry of the tree walk (files before their folders).
-int RemoveEntry(const char* path, const struct stat*, int, struct FTW*) {
-  remove(path);
-  return 0;
 }
 
 // Sends one IPP request to the scheduler on 127.0.0.1:port; the response,
@@ -137,12 +101,17 @@ std::string PrivateCupsd::address() const {
   return "127.0.0.1:" + std::to_string(port_);
 }
 
-// Checks that we are root and that cupsd is installed, then makes the
-// tree's root folder.
+std::string PrivateCupsd::WhyNotHere() {
+  if (geteuid() != 0)
+    return "needs root: cupsd runs as root and switches filters and "
+           "backends to the lp user";
+  return "";
+}
+
 bool PrivateCupsd::MakeRoot(std::string* error) {
-  if (geteuid() != 0) {
-    *error = "the end-to-end tests must run as root: cupsd runs as root and "
-             "switches filters and backends to the lp user";
+  std::string why = WhyNotHere();
+  if (!why.empty()) {
+    *error = why;
     return false;
   }
   if (access(cupsd_.c_str(), X_OK) != 0) {
@@ -174,7 +143,8 @@ bool PrivateCupsd::Start(std::string* error) {
       *error = "no free loopback port";
       return false;
     }
-    if (!BuildTree(error) || !Launch(error)) return false;
+    if (!BuildTree(error)) return false;
+    Launch();
     if (WaitUntilAnswering(error)) return true;
     Stop();
   }
@@ -194,11 +164,11 @@ bool PrivateCupsd::BuildTree(std::string* error) {
       return false;
     }
   }
-  if (!CopyProgram(filter_, root_ + "/bin/filter/commandtoquillaroth")) {
+  if (!CopyFile(filter_, root_ + "/bin/filter/commandtoquillaroth", 0755)) {
     *error = "cannot copy the filter from " + filter_;
     return false;
   }
-  if (!CopyProgram(backend_, root_ + "/bin/backend/quillarothsim")) {
+  if (!CopyFile(backend_, root_ + "/bin/backend/quillarothsim", 0755)) {
     *error = "cannot copy the backend from " + backend_;
     return false;
   }
@@ -234,7 +204,9 @@ bool PrivateCupsd::BuildTree(std::string* error) {
       "    Order deny,allow\n"
       "  </Limit>\n"
       "</Policy>\n";
-  // cupsd refuses "User root"; filters and backends run as lp.
+  // cupsd refuses "User root"; filters and backends run as lp.  The pid
+  // file and certificates go to StateDir; the printcap file, which would
+  // otherwise overwrite the system scheduler's, goes there too.
   std::string files_conf =
       "ServerRoot " + root_ + "/etc\n"
       "RequestRoot " + root_ + "/spool\n"
@@ -246,6 +218,7 @@ bool PrivateCupsd::BuildTree(std::string* error) {
       "ErrorLog " + root_ + "/log/error_log\n"
       "AccessLog " + root_ + "/log/access_log\n"
       "PageLog " + root_ + "/log/page_log\n"
+      "Printcap " + root_ + "/state/printcap\n"
       "User lp\n"
       "Group lp\n"
       "SystemGroup root\n";
@@ -257,38 +230,24 @@ bool PrivateCupsd::BuildTree(std::string* error) {
   return true;
 }
 
-// Forks and execs cupsd -f on the tree's configuration.  The child gets
-// SIGTERM when the test process dies, so no scheduler outlives a crash.
-bool PrivateCupsd::Launch(std::string* error) {
-  std::string conf = root_ + "/etc/cupsd.conf";
-  std::string files = root_ + "/etc/cups-files.conf";
-  std::string out = root_ + "/log/cupsd.out";
-  // A fresh log for every try, so that only this cupsd's lines count.
+// Starts cupsd -f on the tree's configuration, with a fresh log and a
+// clean environment.  The child gets SIGTERM when the test process dies, so
+// no scheduler outlives a crash.
+void PrivateCupsd::Launch() {
   unlink((root_ + "/log/error_log").c_str());
-  pid_t parent = getpid();
-  pid_t pid = fork();
-  if (pid < 0) {
-    *error = std::string("fork: ") + strerror(errno);
-    return false;
-  }
-  if (pid == 0) {
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != parent) _exit(1);
-    int null_fd = open("/dev/null", O_RDONLY);
-    int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-    dup2(null_fd, 0);
-    dup2(out_fd, 1);
-    dup2(out_fd, 2);
-    const char* argv[] = {cupsd_.c_str(), "-f", "-c", conf.c_str(),
-                          "-s", files.c_str(), nullptr};
-    const char* envp[] = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C",
-                          nullptr};
-    execve(argv[0], const_cast<char* const*>(argv),
-           const_cast<char* const*>(envp));
-    _exit(127);
-  }
-  pid_ = pid;
-  return true;
+  int null_fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  int out_fd = open((root_ + "/log/cupsd.out").c_str(),
+                    O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+  ProcessSpec spec;
+  spec.argv = {cupsd_, "-f", "-c", root_ + "/etc/cupsd.conf", "-s",
+               root_ + "/etc/cups-files.conf"};
+  spec.fds = {{0, null_fd}, {1, out_fd}, {2, out_fd}};
+  spec.env = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C"};
+  spec.clean_env = true;
+  spec.end_with_parent = true;
+  cupsd_process_ = std::make_unique<Subprocess>(spec);
+  close(null_fd);
+  close(out_fd);
 }
 
 // Waits until cupsd answers an IPP request, or fails after 15 s, when it
@@ -298,11 +257,11 @@ bool PrivateCupsd::Launch(std::string* error) {
 bool PrivateCupsd::WaitUntilAnswering(std::string* error) {
   std::string listening = "Listening to " + address() + " on fd ";
   for (int waited = 0; waited < 15000; waited += 50) {
-    int status = 0;
-    if (waitpid(pid_, &status, WNOHANG) == pid_) {
-      pid_ = -1;
-      *error = "cupsd exited at start (status " + std::to_string(status) +
-               "):\n" + ReadFile(root_ + "/log/cupsd.out") + ErrorLog();
+    ExitStatus status;
+    if (cupsd_process_->HasEnded(&status)) {
+      cupsd_process_.reset();
+      *error = "cupsd ended at start (" + status.Describe() + "):\n" +
+               ReadFile(root_ + "/log/cupsd.out") + ErrorLog();
       return false;
     }
     std::string log = ErrorLog();
@@ -325,20 +284,10 @@ bool PrivateCupsd::WaitUntilAnswering(std::string* error) {
   return false;
 }
 
-// Stops cupsd (SIGTERM, then SIGKILL after 5 s) and waits for it.
 void PrivateCupsd::Stop() {
-  if (pid_ <= 0) return;
-  kill(pid_, SIGTERM);
-  for (int waited = 0; waited < 5000; waited += 20) {
-    if (waitpid(pid_, nullptr, WNOHANG) == pid_) {
-      pid_ = -1;
-      return;
-    }
-    SleepMs(20);
-  }
-  kill(pid_, SIGKILL);
-  waitpid(pid_, nullptr, 0);
-  pid_ = -1;
+  if (cupsd_process_ == nullptr) return;
+  cupsd_process_->Stop(5.0);
+  cupsd_process_.reset();
 }
 
 // Deletes the temporary tree, unless QUILLAROTH_E2E_KEEP is set (then its
@@ -348,7 +297,7 @@ void PrivateCupsd::RemoveTree() {
   if (getenv("QUILLAROTH_E2E_KEEP") != nullptr) {
     fprintf(stderr, "e2e: kept %s\n", root_.c_str());
   } else {
-    nftw(root_.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
+    ::RemoveTree(root_);
   }
   root_.clear();
 }
@@ -387,7 +336,7 @@ int PrivateCupsd::SubmitCommandJob(const std::string& queue,
                                    std::string* error) {
   std::string path = root_ + "/jobs/" + queue + "-" +
                      std::to_string(++job_files_) + ".txt";
-  if (!WriteFile(path, commands, 0644)) {
+  if (!WriteFile(path, commands)) {
     *error = "cannot write " + path;
     return 0;
   }

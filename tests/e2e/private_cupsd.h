@@ -15,11 +15,10 @@
 #ifndef QUILLAROTH_TESTS_E2E_PRIVATE_CUPSD_H_
 #define QUILLAROTH_TESTS_E2E_PRIVATE_CUPSD_H_
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
 
-#include "tests/e2e/run_program.h"
+#include "tests/support/subprocess.h"
 
 class PrivateCupsd {
  public:
@@ -33,8 +32,10 @@ class PrivateCupsd {
   PrivateCupsd(const PrivateCupsd&) = delete;
   PrivateCupsd& operator=(const PrivateCupsd&) = delete;
 
-  // Checks that we are root and that cupsd is installed, then makes the
-  // tree's empty root folder (no CUPS call yet, so that the caller can point
+  // Why no private scheduler can run here ("" when one can): it needs root.
+  static std::string WhyNotHere();
+
+  // Checks that cupsd is installed, then makes the tree's empty root folder (no CUPS call yet, so that the caller can point
   // HOME and the client's configuration into it before libcups reads them).
   // Returns false with a reason in *error.
   bool MakeRoot(std::string* error);
@@ -46,7 +47,7 @@ class PrivateCupsd {
   // Deletes the temporary tree (after Stop).
   void RemoveTree();
 
-  bool running() const { return pid_ > 0; }
+  bool running() const { return cupsd_process_ != nullptr; }
   // "127.0.0.1:PORT".
   std::string address() const;
   const std::string& root() const { return root_; }
@@ -94,8 +95,8 @@ class PrivateCupsd {
  private:
   // Writes the configuration files and folders of the tree.
   bool BuildTree(std::string* error);
-  // Forks and execs cupsd -f on the tree's configuration.
-  bool Launch(std::string* error);
+  // Starts cupsd -f on the tree's configuration.
+  void Launch();
   // Waits until cupsd answers, or fails after 15 s or when it exits.
   bool WaitUntilAnswering(std::string* error);
 
@@ -107,7 +108,7 @@ class PrivateCupsd {
   std::string ppd_;
   std::string root_;
   int port_ = 0;
-  pid_t pid_ = -1;
+  std::unique_ptr<Subprocess> cupsd_process_;
   int job_files_ = 0;
 };
 

@@ -5,134 +5,121 @@
 
 #include <string>
 
-#include "tests/support/expected_text.h"
+#include "tests/support/built_tools.h"
+#include "tests/support/expected_run.h"
+#include "tests/support/expected_trace.h"
 #include "tests/support/filter_run.h"
 
 namespace {
 
-const std::string USAGE = std::string("ERROR: Usage: ") + FILTER_PATH +
-                          " job-id user title copies options [file]";
+// A run that ends at once with status 1 and this stderr: nothing written
+// to the printer, no pause.
+ExpectedRun EarlyExit(const std::string& err) {
+  ExpectedRun expected;
+  expected.status = 1;
+  expected.err = err;
+  expected.out = "";
+  expected.sleeps = "";
+  expected.sim_log = "";
+  return expected;
+}
+
+// The usage message, which names the filter as started and has no line end.
+std::string Usage() {
+  return "ERROR: Usage: " + BuiltTools().filter +
+         " job-id user title copies options [file]";
+}
+
+// The filter run with these arguments, the commands on stdin.
+FilterResult RunWithArgs(const std::vector<std::string>& args,
+                         const std::string& commands = "ReportStatus\n") {
+  FilterCall call;
+  call.args = args;
+  call.stdin_text = commands;
+  return RunFilter(call);
+}
 
 TEST(FilterArguments, FourArgumentsGiveUsageWithoutLineEnd) {
-  FilterCall call;
-  call.args = {"1", "user", "title", "1"};
-  call.stdin_text = "ReportStatus\n";
-  FilterResult run = run_filter(call);
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, USAGE);
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.sleeps, "");
-  EXPECT_EQ(run.sim_log, "sim: filter exited with status 1\n");
+  ExpectRun(EarlyExit(Usage()), RunWithArgs({"1", "user", "title", "1"}));
 }
 
 TEST(FilterArguments, SevenArgumentsGiveUsageWithoutLineEnd) {
-  FilterCall call;
-  call.args = {"1", "user", "title", "1", "", "/dev/null", "extra"};
-  FilterResult run = run_filter(call);
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, USAGE);
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.sleeps, "");
-  EXPECT_EQ(run.sim_log, "sim: filter exited with status 1\n");
+  ExpectRun(EarlyExit(Usage()),
+            RunWithArgs({"1", "user", "title", "1", "", "/dev/null", "extra"},
+                        ""));
 }
 
 TEST(FilterArguments, UnopenableCommandFileEndsWithStatus1) {
-  FilterCall call;
-  call.args = {"1", "user", "title", "1", "", "/nonexistent/quillaroth/cmds"};
-  call.stdin_text = "ReportStatus\n";
-  FilterResult run = run_filter(call);
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err,
-            "ERROR: Unable to open command file - : No such file or "
-            "directory\n");
-  EXPECT_EQ(run.out, "");  // no wake-up either
-  EXPECT_EQ(run.sleeps, "");
-  EXPECT_EQ(run.sim_log, "sim: filter exited with status 1\n");
+  // No wake-up either.
+  ExpectRun(EarlyExit("ERROR: Unable to open command file - : No such file "
+                      "or directory\n"),
+            RunWithArgs({"1", "user", "title", "1", "",
+                         "/nonexistent/quillaroth/cmds"}));
 }
 
 TEST(FilterArguments, FiveArgumentsReadCommandsFromStdin) {
-  FilterResult run = run_commands("ReportStatus\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         default_status_lines());
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: cmd 1b 45 57 55\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: cmd 1b 56 32 31\n"
-            "sim: reply 192 bytes\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: filter exited with status 0\n");
+  ExpectRun(ExpectedRun().Command("ReportStatus", 1).Wait().State(""),
+            RunCommands("ReportStatus\n"));
 }
 
 TEST(FilterArguments, SixArgumentsReadTheNamedFileNotStdin) {
   FilterCall call;
   call.command_file = "ReportLevels\n";
   call.stdin_text = "ReportStatus\nReportStatus\n";
-  FilterResult run = run_filter(call);
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportLevels", 1) +
-                         default_levels_lines());
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  ExpectRun(ExpectedRun()
+                .Command("ReportLevels", 1)
+                .Wait()
+                .Levels("35", kSheetPvR31aGx)
+                .State(""),
+            RunFilter(call));
 }
 
 TEST(FilterArguments, CommentsAndBlankLinesAdvanceTheLineNumber) {
-  FilterResult run =
-      run_commands("# a comment line\n\nReportStatus\n\n# end\nReportStatus\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 3) +
-                         default_status_lines() +
-                         command_line("ReportStatus", 6) + default_status_lines());
-  EXPECT_EQ(run.out,
-            WAKE_UP_COMMAND + PRINTER_INFO_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  ExpectRun(ExpectedRun()
+                .Command("ReportStatus", 3)
+                .Wait()
+                .State("")
+                .Command("ReportStatus", 6)
+                .Wait()
+                .State(""),
+            RunCommands("# a comment line\n\nReportStatus\n\n# end\n"
+                        "ReportStatus\n"));
 }
 
 TEST(FilterArguments, CommandWordsMatchInAnyCaseAndIgnoreFurtherWords) {
-  FilterResult run = run_commands(
-      "reportstatus\n"
-      "REPORTLEVELS\n"
-      "rEpOrTsTaTuS now please\n"
-      "ReportLevels all of them\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("reportstatus", 1) +
-                         default_status_lines() +
-                         command_line("REPORTLEVELS", 2) + default_levels_lines() +
-                         command_line("rEpOrTsTaTuS", 3) + default_status_lines() +
-                         command_line("ReportLevels", 4) + default_levels_lines());
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND +
-                         PRINTER_INFO_COMMAND + PRINTER_INFO_COMMAND +
-                         PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  ExpectRun(ExpectedRun()
+                .Command("reportstatus", 1)
+                .Wait()
+                .State("")
+                .Command("REPORTLEVELS", 2)
+                .Wait()
+                .Levels("35", kSheetPvR31aGx)
+                .State("")
+                .Command("rEpOrTsTaTuS", 3)
+                .Wait()
+                .State("")
+                .Command("ReportLevels", 4)
+                .Wait()
+                .Levels("35", kSheetPvR31aGx)
+                .State(""),
+            RunCommands("reportstatus\n"
+                        "REPORTLEVELS\n"
+                        "rEpOrTsTaTuS now please\n"
+                        "ReportLevels all of them\n"));
 }
 
 TEST(FilterArguments, OnlyUnknownCommandsStillSendTheWakeUp) {
-  FilterResult run =
-      run_commands("PrintSelfTestPage\nClean all\nReportStatusNow\nReport\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() +
-                         command_line("PrintSelfTestPage", 1) +
-                         command_line("Clean", 2) +
-                         command_line("ReportStatusNow", 3) +
-                         command_line("Report", 4));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: cmd 1b 45 57 55\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: filter exited with status 0\n");
+  ExpectRun(ExpectedRun()
+                .Command("PrintSelfTestPage", 1)
+                .Command("Clean", 2)
+                .Command("ReportStatusNow", 3)
+                .Command("Report", 4),
+            RunCommands("PrintSelfTestPage\nClean all\nReportStatusNow\n"
+                        "Report\n"));
 }
 
 TEST(FilterArguments, EmptyCommandFileStillSendsTheWakeUp) {
-  FilterResult run = run_commands("");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines());
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  ExpectRun(ExpectedRun(), RunCommands(""));
 }
 
 }  // namespace

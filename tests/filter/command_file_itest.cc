@@ -13,109 +13,93 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "tests/support/built_tools.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/files.h"
 #include "tests/support/hostile_backend.h"
-#include "tests/support/hostile_expect.h"
 
 namespace {
 
-// A fresh directory under /tmp, removed by the test.
-std::string TempDir() {
-  char path[] = "/tmp/command-file-dir-XXXXXX";
-  if (mkdtemp(path) == nullptr) abort();
-  return path;
+// The unprivileged user that root runs the filter as.
+constexpr int kNobody = 65534;
+
+class CommandFileOpenTest : public ::testing::Test {
+ protected:
+  // A fresh folder for the test's files.
+  void SetUp() override { dir_ = MakeTempDir("quillaroth-command-file-"); }
+  // Removes it.
+  void TearDown() override { RemoveTree(dir_); }
+
+  // Runs the filter on the command file with no channels, as uid when
+  // uid >= 0; expects it to end by exit with the status, err and out.
+  static void ExpectRun(const std::string& path, int status,
+                        const std::string& err, const std::string& out,
+                        int uid = -1) {
+    HostileOptions options;
+    options.back_channel = false;
+    options.side_channel = false;
+    options.command_file = path;
+    options.uid = uid;
+    ExitInfo run = HostileBackend("", options).Wait(5.0);
+    EXPECT_TRUE(run.exit.exited) << run.exit.Describe();
+    EXPECT_EQ(status, run.exit.code);
+    EXPECT_EQ(err, run.err);
+    EXPECT_EQ(out, run.out);
+  }
+
+  // What a run that cannot open its command file writes.
+  static std::string OpenFailure(const std::string& error_text) {
+    return "ERROR: Unable to open command file - : " + error_text + "\n";
+  }
+
+  // The one-way start of a run: probe failure and the wake-up.
+  static std::string OneWayStart() {
+    return ProbeFailureLine(CUPS_SC_STATUS_TIMEOUT) +
+           WakeUpLines(CUPS_SC_STATUS_TIMEOUT);
+  }
+
+  std::string dir_;
+};
+
+TEST_F(CommandFileOpenTest, MissingFile) {
+  ExpectRun(dir_ + "/missing", 1, OpenFailure("No such file or directory"),
+            "");
 }
 
-// Runs the filter on the command file path with no channels.
-ExitInfo RunOn(const std::string& path, int uid = -1) {
-  HostileOptions options;
-  options.back_channel = false;
-  options.side_channel = false;
-  options.command_file = path;
-  options.uid = uid;
-  HostileBackend backend(FILTER_PATH, FAKE_SLEEP_PATH, "", options);
-  return backend.Wait(5.0);
-}
-
-// What a run that cannot open its command file writes.
-std::string OpenFailure(const std::string& error_text) {
-  return "ERROR: Unable to open command file - : " + error_text + "\n";
-}
-
-// The one-way start of a run: probe failure and the wake-up.
-std::string OneWayStart() {
-  return ExpectProbeFailure(kScStatusTimeout) + ExpectWakeUp(kScStatusTimeout);
-}
-
-TEST(CommandFileOpenTest, MissingFile) {
-  std::string dir = TempDir();
-  ExitInfo run = RunOn(dir + "/missing");
-  EXPECT_TRUE(run.exited);
-  EXPECT_EQ(1, run.status);
-  EXPECT_EQ(OpenFailure("No such file or directory"), run.err);
-  EXPECT_EQ("", run.out);
-  rmdir(dir.c_str());
-}
-
-// Tests run as root, which reads a file of mode 000 all the same; the
-// filter is therefore started as the unprivileged user "nobody" (65534),
-// for whom the file is really unreadable.
-TEST(CommandFileOpenTest, UnreadableFile) {
-  std::string dir = TempDir();
-  chmod(dir.c_str(), 0755);
-  std::string path = dir + "/commands";
-  FILE* file = fopen(path.c_str(), "w");
-  ASSERT_NE(nullptr, file);
-  fputs("ReportStatus\n", file);
-  fclose(file);
-  chmod(path.c_str(), 0);
-  ExitInfo run = RunOn(path, getuid() == 0 ? 65534 : -1);
-  EXPECT_TRUE(run.exited);
-  EXPECT_EQ(1, run.status);
-  EXPECT_EQ(OpenFailure("Permission denied"), run.err);
-  EXPECT_EQ("", run.out);
+// Root reads a file of mode 000 all the same; run as root, the filter is
+// therefore started as the unprivileged user "nobody", for whom the file
+// is really unreadable.  The file then lies in the folder under /tmp that
+// every user can enter, and the filter is run from a copy there: the build
+// tree may lie below a folder that nobody cannot enter.
+TEST_F(CommandFileOpenTest, UnreadableFile) {
+  bool root = getuid() == 0;
+  std::string path = (root ? ReachableDir() : dir_) + "/commands";
+  ASSERT_TRUE(WriteFile(path, "ReportStatus\n", 0));
+  ExpectRun(path, 1, OpenFailure("Permission denied"), "",
+            root ? kNobody : -1);
   unlink(path.c_str());
-  rmdir(dir.c_str());
 }
 
 // A symbolic link to itself cannot be opened, not even by root.
-TEST(CommandFileOpenTest, SymbolicLinkLoop) {
-  std::string dir = TempDir();
-  std::string path = dir + "/loop";
+TEST_F(CommandFileOpenTest, SymbolicLinkLoop) {
+  std::string path = dir_ + "/loop";
   ASSERT_EQ(0, symlink(path.c_str(), path.c_str()));
-  ExitInfo run = RunOn(path);
-  EXPECT_TRUE(run.exited);
-  EXPECT_EQ(1, run.status);
-  EXPECT_EQ(OpenFailure("Too many levels of symbolic links"), run.err);
-  EXPECT_EQ("", run.out);
-  unlink(path.c_str());
-  rmdir(dir.c_str());
+  ExpectRun(path, 1, OpenFailure("Too many levels of symbolic links"), "");
 }
 
 // A directory opens (open(2) allows O_RDONLY on one) but every read fails
 // with EISDIR, which libcups' reader reports as the end of the file: no
 // command line, status 0.
-TEST(CommandFileOpenTest, Directory) {
-  std::string dir = TempDir();
-  ExitInfo run = RunOn(dir);
-  EXPECT_TRUE(run.exited);
-  EXPECT_EQ(0, run.status);
-  EXPECT_EQ(OneWayStart(), run.err);
-  EXPECT_EQ(std::string(kWakeUpBytes, 4), run.out);
-  rmdir(dir.c_str());
+TEST_F(CommandFileOpenTest, Directory) {
+  ExpectRun(dir_, 0, OneWayStart(), kWakeUpCommand);
 }
 
 // A file that opens but whose first read fails (EIO: nothing is mapped at
 // offset 0 of a process's memory): handled like an empty file.
-TEST(CommandFileOpenTest, ReadErrorAfterOpen) {
-  ExitInfo run = RunOn("/proc/self/mem");
-  EXPECT_TRUE(run.exited);
-  EXPECT_EQ(0, run.status);
-  EXPECT_EQ(OneWayStart(), run.err);
-  EXPECT_EQ(std::string(kWakeUpBytes, 4), run.out);
+TEST_F(CommandFileOpenTest, ReadErrorAfterOpen) {
+  ExpectRun("/proc/self/mem", 0, OneWayStart(), kWakeUpCommand);
 }
 
 }  // namespace

@@ -18,31 +18,22 @@
 
 #include <cups/file.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
 
 #include "filter/command_loop.h"
-#include "tests/support/hostile_expect.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/files.h"
 #include "tests/support/stderr_capture.h"
 
 namespace {
 
 // Runs the one-way command loop on a file holding text; returns its stderr.
 std::string RunLoop(const std::string& text) {
-  char path[] = "/tmp/command-file-XXXXXX";
-  int fd = mkstemp(path);
-  if (fd < 0) abort();
-  if (!text.empty() &&
-      write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-    abort();
-  close(fd);
-  cups_file_t* file = cupsFileOpen(path, "r");
-  unlink(path);
-  if (file == nullptr) abort();
+  cups_file_t* file = cupsFileOpenFd(OpenTempFile(text), "r");
+  if (file == nullptr) return "(cupsFileOpenFd failed)";
   StderrCapture capture;
   run_command_loop(file, false);
   std::string err = capture.Text();
@@ -51,21 +42,21 @@ std::string RunLoop(const std::string& text) {
 }
 
 // The one-way answer to a "ReportStatus" line.
-std::string Status() { return ReportStatusText(PrinterInfo::Unavailable()); }
+std::string Status() { return StateLines("0023"); }
 
 // The one-way answer to a "ReportLevels" line.
-std::string Levels() { return ReportLevelsOneWayText(); }
+std::string Levels() { return UnavailableLevelsLines(); }
 
 TEST(CommandFileTest, CrLfAndBareCrEndLines) {
-  EXPECT_EQ(ExpectCommandLine("ReportStatus", 1) + Status() +
-                ExpectCommandLine("ReportLevels", 2) + Levels() +
-                ExpectCommandLine("ReportStatus", 3) + Status(),
+  EXPECT_EQ(CommandLine("ReportStatus", 1) + Status() +
+                CommandLine("ReportLevels", 2) + Levels() +
+                CommandLine("ReportStatus", 3) + Status(),
             RunLoop("ReportStatus\r\nReportLevels\rReportStatus\r\n"));
 }
 
 TEST(CommandFileTest, LastLineWithoutLineEnd) {
-  EXPECT_EQ(ExpectCommandLine("Other", 1) +
-                ExpectCommandLine("ReportLevels", 2) + Levels(),
+  EXPECT_EQ(CommandLine("Other", 1) +
+                CommandLine("ReportLevels", 2) + Levels(),
             RunLoop("Other\nReportLevels"));
 }
 
@@ -73,10 +64,10 @@ TEST(CommandFileTest, LastLineWithoutLineEnd) {
 // a "line" of its own with its own number; the line after it is line 4.
 TEST(CommandFileTest, LineFarLongerThanTheBuffer) {
   std::string word(3000, 'x');
-  EXPECT_EQ(ExpectCommandLine(std::string(1023, 'x'), 1) +
-                ExpectCommandLine(std::string(1023, 'x'), 2) +
-                ExpectCommandLine(std::string(954, 'x'), 3) +
-                ExpectCommandLine("ReportStatus", 4) + Status(),
+  EXPECT_EQ(CommandLine(std::string(1023, 'x'), 1) +
+                CommandLine(std::string(1023, 'x'), 2) +
+                CommandLine(std::string(954, 'x'), 3) +
+                CommandLine("ReportStatus", 4) + Status(),
             RunLoop(word + "\nReportStatus\n"));
 }
 
@@ -85,18 +76,18 @@ TEST(CommandFileTest, LineFarLongerThanTheBuffer) {
 TEST(CommandFileTest, KnownCommandWithAnArgumentLongerThanTheBuffer) {
   std::string line = "ReportLevels " + std::string(2100, 'a');
   // Chunks: 1023 bytes (the command and 1010 a's), 1023 a's, 67 a's.
-  EXPECT_EQ(ExpectCommandLine("ReportLevels", 1) + Levels() +
-                ExpectCommandLine(std::string(1023, 'a'), 2) +
-                ExpectCommandLine(std::string(67, 'a'), 3) +
-                ExpectCommandLine("ReportStatus", 4) + Status(),
+  EXPECT_EQ(CommandLine("ReportLevels", 1) + Levels() +
+                CommandLine(std::string(1023, 'a'), 2) +
+                CommandLine(std::string(67, 'a'), 3) +
+                CommandLine("ReportStatus", 4) + Status(),
             RunLoop(line + "\nReportStatus\n"));
 }
 
 // A line of exactly 1023 bytes fills the buffer without its line end, so
 // the line end comes back as an empty line: skipped, but counted.
 TEST(CommandFileTest, LineOfExactlyTheBufferSize) {
-  EXPECT_EQ(ExpectCommandLine(std::string(1023, 'y'), 1) +
-                ExpectCommandLine("ReportStatus", 3) + Status(),
+  EXPECT_EQ(CommandLine(std::string(1023, 'y'), 1) +
+                CommandLine("ReportStatus", 3) + Status(),
             RunLoop(std::string(1023, 'y') + "\nReportStatus\n"));
 }
 
@@ -108,16 +99,16 @@ TEST(CommandFileTest, NulBytes) {
   text += std::string("Report\0Levels\n", 14);
   text += "ReportLevels\n";
   // Line 2 starts with a NUL: an empty string, skipped like a blank line.
-  EXPECT_EQ(ExpectCommandLine("ReportStatus", 1) + Status() +
-                ExpectCommandLine("Report", 3) +
-                ExpectCommandLine("ReportLevels", 4) + Levels(),
+  EXPECT_EQ(CommandLine("ReportStatus", 1) + Status() +
+                CommandLine("Report", 3) +
+                CommandLine("ReportLevels", 4) + Levels(),
             RunLoop(text));
 }
 
 // Comments, blank lines and leading blanks: skipped or cut, and counted.
 TEST(CommandFileTest, CommentsAndBlanks) {
-  EXPECT_EQ(ExpectCommandLine("reportstatus", 4) + Status() +
-                ExpectCommandLine("REPORTLEVELS", 5) + Levels(),
+  EXPECT_EQ(CommandLine("reportstatus", 4) + Status() +
+                CommandLine("REPORTLEVELS", 5) + Levels(),
             RunLoop("# comment\n\n   \t  # indented comment\n"
                     "  \treportstatus# trailing comment\n"
                     "REPORTLEVELS extra words\n"));
@@ -130,10 +121,10 @@ TEST(CommandFileTest, HundredThousandUnknownCommands) {
   for (int i = 1; i <= 100000; i++) {
     std::string word = "Unknown" + std::to_string(i);
     text += word + "\n";
-    expected += ExpectCommandLine(word, i);
+    expected += CommandLine(word, i);
   }
   text += "ReportStatus\n";
-  expected += ExpectCommandLine("ReportStatus", 100001) + Status();
+  expected += CommandLine("ReportStatus", 100001) + Status();
   EXPECT_EQ(expected, RunLoop(text));
 }
 
@@ -170,7 +161,7 @@ TEST(CommandFileTest, BinaryGarbage) {
       text += line + line_end;
       linenum++;
       std::string word = WordOf(line);
-      if (!word.empty()) expected += ExpectCommandLine(word, linenum);
+      if (!word.empty()) expected += CommandLine(word, linenum);
       line.clear();
     };
     for (int i = 0; i < 5000; i++) {
@@ -183,8 +174,8 @@ TEST(CommandFileTest, BinaryGarbage) {
     }
     end_line("\n");
     text += "ReportStatus\nReportLevels\n";
-    expected += ExpectCommandLine("ReportStatus", linenum + 1) + Status() +
-                ExpectCommandLine("ReportLevels", linenum + 2) + Levels();
+    expected += CommandLine("ReportStatus", linenum + 1) + Status() +
+                CommandLine("ReportLevels", linenum + 2) + Levels();
     std::string err = RunLoop(text);
     EXPECT_EQ(expected, err) << "round " << round;
     EXPECT_EQ("", CheckTrace(err)) << "round " << round;

@@ -3,46 +3,24 @@
 // segment and immediate binding), the stack protector (__stack_chk_fail)
 // and, where the build fortifies, the checked libc calls (*_chk).
 //
-// The filter is found beside this test's build tree (<build>/tests/unit_tests
-// -> <build>/commandtoquillaroth) or at $QUILLAROTH_FILTER_BINARY, and read
-// with readelf(1).  Which of the protections to expect follows from the
-// flags that this test itself was compiled with, since the build gives the
-// same flags to every target: sanitizer builds go without _FORTIFY_SOURCE,
-// and a build with hardening switched off has nothing to check.
+// The filter is this build's (HARDENED_FILTER_PATH), read with readelf(1).
+// Which of the protections to expect follows from the flags that this test
+// itself was compiled with, since the build gives the same flags to every
+// target: sanitizer builds go without _FORTIFY_SOURCE, and a build with
+// hardening switched off has nothing to check.
 
 #include <gtest/gtest.h>
-#include <limits.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
+
+#include "tests/support/subprocess.h"
 
 namespace {
 
-// The path of the filter binary of this build.
-std::string FilterBinary() {
-  const char* path = getenv("QUILLAROTH_FILTER_BINARY");
-  if (path != nullptr) return path;
-  char self[PATH_MAX];
-  ssize_t n = readlink("/proc/self/exe", self, sizeof(self) - 1);
-  if (n <= 0) return "";
-  std::string dir(self, static_cast<size_t>(n));
-  dir = dir.substr(0, dir.rfind('/'));          // <build>/tests
-  dir = dir.substr(0, dir.rfind('/'));          // <build>
-  return dir + "/commandtoquillaroth";
-}
-
-// The whole output of a shell command.
-std::string Output(const std::string& command) {
-  std::string text;
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return text;
-  char buffer[4096];
-  size_t n;
-  while ((n = fread(buffer, 1, sizeof(buffer), pipe)) > 0) text.append(buffer, n);
-  pclose(pipe);
-  return text;
+// What readelf -W prints with the option for the filter.
+std::string Readelf(const std::string& option) {
+  return RunProgram({"readelf", "-W", option, HARDENED_FILTER_PATH}).out;
 }
 
 // True when text holds the word.
@@ -59,17 +37,16 @@ class HardeningTest : public ::testing::Test {
     GTEST_SKIP() << "built without -fstack-protector-strong "
                     "(QUILLAROTH_HARDEN=OFF): nothing to check";
 #endif
-    binary_ = FilterBinary();
-    ASSERT_EQ(0, access(binary_.c_str(), R_OK)) << binary_;
-    std::string readelf = "readelf -W ";
-    header_ = Output(readelf + "-h '" + binary_ + "'");
-    segments_ = Output(readelf + "-l '" + binary_ + "'");
-    dynamic_ = Output(readelf + "-d '" + binary_ + "'");
-    symbols_ = Output(readelf + "--dyn-syms '" + binary_ + "'");
-    ASSERT_TRUE(Has(header_, "ELF Header:")) << "readelf failed on " << binary_;
+    ASSERT_EQ(0, access(HARDENED_FILTER_PATH, R_OK)) << HARDENED_FILTER_PATH;
+    header_ = Readelf("-h");
+    segments_ = Readelf("-l");
+    dynamic_ = Readelf("-d");
+    symbols_ = Readelf("--dyn-syms");
+    ASSERT_TRUE(Has(header_, "ELF Header:"))
+        << "readelf failed on " << HARDENED_FILTER_PATH;
   }
 
-  std::string binary_, header_, segments_, dynamic_, symbols_;
+  std::string header_, segments_, dynamic_, symbols_;
 };
 
 TEST_F(HardeningTest, PositionIndependentExecutable) {

@@ -5,254 +5,201 @@
 
 #include <string>
 
-#include "tests/support/expected_text.h"
+#include "tests/support/expected_run.h"
+#include "tests/support/expected_trace.h"
 #include "tests/support/filter_run.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
-// The wait around one query that finds the printer awake at once.
-std::string awake_query(const std::string& reply,
-                        const std::string& info_line) {
-  return "DEBUG: get_printer_info_retry() START\n" + info_query_lines(reply) +
-         "DEBUG: printer_info=[" + info_line +
-         "]\n"
-         "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-         "DEBUG: get_printer_info_retry() END\n";
+// The golden case, spelled out line by line.
+TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
+  FilterResult run = RunCommands("ReportLevels\n");
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: wr_esc_wakeup() END\n"
+      "DEBUG: ====> command=[ReportLevels] linenum=1\n"
+      "DEBUG: get_printer_info_retry() START\n"
+      "DEBUG: get_printer_info() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 56 32 31\n"
+      "DEBUG: [STS] size=192\n"
+      "DEBUG: [STS] 0000: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0010: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0020: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0030: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0040: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0050: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0060: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0070: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0080: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0090: 00 84 10 00 01 5e 00 7b 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00a0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00b0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: get_printer_info() END\n"
+      "DEBUG: printer_info=[power_state=0x00 mech_state=[0x00,0x00] "
+      "memory_state=0x00 error_info=[GOOD] levels=[ink ribbon 123 / 350 "
+      "ink_sheet_type=0x84.0x10]]\n"
+      "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
+      "DEBUG: get_printer_info_retry() END\n"
+      "DEBUG: [ReportLevels] ink ribbon 123 / 350 ink_sheet_type=0x84.0x10\n"
+      "ATTR: marker-colors=#00FF00\n"
+      "ATTR: marker-levels=35\n"
+      "ATTR: marker-message=\"Ink Ribbon = 123 / 350\"\n"
+      "ATTR: marker-names=\"InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\"\n"
+      "ATTR: marker-types=ink-ribbon\n"
+      "STATE: -com.quillaroth-error0001\n"
+      "STATE: -com.quillaroth-error0002\n"
+      "STATE: -com.quillaroth-error0003\n"
+      "STATE: -com.quillaroth-error0004\n"
+      "STATE: -com.quillaroth-error0005\n"
+      "STATE: -com.quillaroth-error0006\n"
+      "STATE: -com.quillaroth-error0007\n"
+      "STATE: -com.quillaroth-error0008\n"
+      "STATE: -com.quillaroth-error0009\n"
+      "STATE: -com.quillaroth-error0010\n"
+      "STATE: -com.quillaroth-error0011\n"
+      "STATE: -com.quillaroth-error0012\n"
+      "STATE: -com.quillaroth-error0013\n"
+      "STATE: -com.quillaroth-error0014\n"
+      "STATE: -com.quillaroth-error0018\n"
+      "STATE: -com.quillaroth-error0020\n"
+      "STATE: -com.quillaroth-error0021\n"
+      "STATE: -com.quillaroth-error0022\n"
+      "STATE: -com.quillaroth-error0023\n",
+      run.err);
+  EXPECT_EQ(std::string("\x1b\x45\x57\x55\x1b\x56\x32\x31", 8), run.out);
+  EXPECT_EQ("usleep 500000\n", run.sleeps);
+  EXPECT_EQ(
+      "sim: sc GET_BIDI -> OK 01\n"
+      "sim: cmd 1b 45 57 55\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: cmd 1b 56 32 31\n"
+      "sim: reply 192 bytes: power 00, error 00 00 00, sheet 84 10, "
+      "ribbon 123/350\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: filter exited with status 0\n",
+      run.sim_log);
 }
 
-TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
-  FilterResult run = run_commands("ReportLevels\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportLevels", 1) +
-                awake_query(info_reply_bytes(InfoReply()),
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[GOOD] "
-                            "levels=[ink ribbon 123 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                "DEBUG: [ReportLevels] ink ribbon 123 / 350 "
-                "ink_sheet_type=0x84.0x10\n"
-                "ATTR: marker-colors=#00FF00\n"
-                "ATTR: marker-levels=35\n"
-                "ATTR: marker-message=\"Ink Ribbon = 123 / 350\"\n"
-                "ATTR: marker-names=\"InkSheetType: PV-R31A(GX) "
-                "13x18(5x7\xe2\x80\xb3)\"\n"
-                "ATTR: marker-types=ink-ribbon\n" +
-                state_lines(""));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+// Runs the commands beside the printer.
+FilterResult RunBeside(const SimPrinter& printer, const std::string& commands) {
+  return RunCommands(commands, printer.SimOptions());
 }
 
 TEST(StateReport, LevelsOfAnotherSheetAndCounts) {
-  FilterResult run = run_commands(
-      "ReportLevels\n",
-      {"--sheet", "8f00", "--total", "500", "--remaining", "499", "--memory",
-       "ff", "--mech", "2001"});
-  InfoReply reply;
-  reply.sheet[0] = 0x8f;
-  reply.sheet[1] = 0x00;
-  reply.total = 500;
-  reply.remaining = 499;
-  reply.memory = 0xff;
-  reply.mech[0] = 0x20;
-  reply.mech[1] = 0x01;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportLevels", 1) +
-                awake_query(info_reply_bytes(reply),
-                            "power_state=0x00 mech_state=[0x20,0x01] "
-                            "memory_state=0xff error_info=[GOOD] "
-                            "levels=[ink ribbon 499 / 500 "
-                            "ink_sheet_type=0x8f.0x00]") +
-                "DEBUG: [ReportLevels] ink ribbon 499 / 500 "
-                "ink_sheet_type=0x8f.0x00\n"
-                "ATTR: marker-colors=#00FF00\n"
-                "ATTR: marker-levels=99\n"
-                "ATTR: marker-message=\"Ink Ribbon = 499 / 500\"\n"
-                "ATTR: marker-names=\"InkSheetType: PV-R32A "
-                "15x20(6x8\xe2\x80\xb3)\"\n"
-                "ATTR: marker-types=ink-ribbon\n" +
-                state_lines(""));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
+  SimPrinter printer;
+  printer.sheet = 0x8f00;
+  printer.total = 500;
+  printer.remaining = 499;
+  printer.memory = 0xff;
+  printer.mech = 0x2001;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportLevels", 1)
+                .Wait()
+                .Levels("99", kSheetPvR32a)
+                .State(""),
+            RunBeside(printer, "ReportLevels\n"));
 }
 
 TEST(StateReport, ErrorCodeFromTheTableRaisesItsReason) {
-  FilterResult run = run_commands("ReportStatus\n", {"--error", "060202"});
-  InfoReply reply;
-  reply.error[0] = 0x06;
-  reply.error[1] = 0x02;
-  reply.error[2] = 0x02;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                awake_query(info_reply_bytes(reply),
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[0x06,0x02,0x02] "
-                            "levels=[ink ribbon 123 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                state_lines("0001"));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
+  SimPrinter printer;
+  printer.error = 0x060202;
+  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0001"),
+            RunBeside(printer, "ReportStatus\n"));
 }
 
 TEST(StateReport, OneOfSeveralCodesOfAReasonRaisesIt) {
-  FilterResult run = run_commands("ReportStatus\n", {"--error", "230707"});
-  InfoReply reply;
-  reply.error[0] = 0x23;
-  reply.error[1] = 0x07;
-  reply.error[2] = 0x07;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                awake_query(info_reply_bytes(reply),
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[0x23,0x07,0x07] "
-                            "levels=[ink ribbon 123 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                state_lines("0009"));
+  SimPrinter printer;
+  printer.error = 0x230707;
+  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0009"),
+            RunBeside(printer, "ReportStatus\n"));
 }
 
 TEST(StateReport, UnknownErrorCodeIsUndefined) {
-  FilterResult run = run_commands("ReportStatus\n", {"--error", "0b0505"});
-  InfoReply reply;
-  reply.error[0] = 0x0b;
-  reply.error[1] = 0x05;
-  reply.error[2] = 0x05;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                awake_query(info_reply_bytes(reply),
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[0x0b,0x05,0x05] "
-                            "levels=[ink ribbon 123 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                "DEBUG: encountered undefined error number (0x0b,0x05,0x05)\n" +
-                state_lines("0023"));
+  SimPrinter printer;
+  printer.error = 0x0b0505;
+  ExpectedRun expected(printer);
+  expected.Command("ReportStatus", 1).Wait();
+  expected.err += UndefinedErrorLine("0x0b,0x05,0x05");
+  ExpectRun(expected.State("0023"), RunBeside(printer, "ReportStatus\n"));
 }
 
 TEST(StateReport, UsedUpRibbonOutranksThePrintersErrorCode) {
-  FilterResult run = run_commands(
-      "ReportLevels\nReportStatus\n",
-      {"--error", "060202", "--remaining", "0", "--total", "350"});
-  InfoReply reply;
-  reply.error[0] = 0x06;
-  reply.error[1] = 0x02;
-  reply.error[2] = 0x02;
-  reply.remaining = 0;
-  std::string query = awake_query(
-      info_reply_bytes(reply),
-      "power_state=0x00 mech_state=[0x00,0x00] memory_state=0x00 "
-      "error_info=[0xfe,0xed,0x01] levels=[ink ribbon 0 / 350 "
-      "ink_sheet_type=0x84.0x10]");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportLevels", 1) + query +
-                "DEBUG: [ReportLevels] ink ribbon 0 / 350 "
-                "ink_sheet_type=0x84.0x10\n"
-                "ATTR: marker-colors=#00FF00\n"
-                "ATTR: marker-levels=0\n"
-                "ATTR: marker-message=\"Ink Ribbon = 0 / 350\"\n"
-                "ATTR: marker-names=\"InkSheetType: PV-R31A(GX) "
-                "13x18(5x7\xe2\x80\xb3)\"\n"
-                "ATTR: marker-types=ink-ribbon\n" +
-                state_lines("0005") + command_line("ReportStatus", 2) + query +
-                state_lines("0005"));
-  EXPECT_EQ(run.out,
-            WAKE_UP_COMMAND + PRINTER_INFO_COMMAND + PRINTER_INFO_COMMAND);
+  SimPrinter printer;
+  printer.error = 0x060202;
+  printer.remaining = 0;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportLevels", 1)
+                .Wait()
+                .Levels("0", kSheetPvR31aGx)
+                .State("0005")
+                .Command("ReportStatus", 2)
+                .Wait()
+                .State("0005"),
+            RunBeside(printer, "ReportLevels\nReportStatus\n"));
 }
 
 TEST(StateReport, UnusableCountsAndUnknownSheetInTheSupplyReport) {
-  FilterResult run = run_commands(
-      "ReportLevels\n", {"--total", "0", "--remaining", "5", "--sheet", "8501"});
-  InfoReply reply;
-  reply.total = 0;
-  reply.remaining = 5;
-  reply.sheet[0] = 0x85;
-  reply.sheet[1] = 0x01;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportLevels", 1) +
-                awake_query(info_reply_bytes(reply),
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[GOOD] "
-                            "levels=[ink ribbon 5 / 0 "
-                            "ink_sheet_type=0x85.0x01]") +
-                "DEBUG: [ReportLevels] ink ribbon 5 / 0 "
-                "ink_sheet_type=0x85.0x01\n"
-                "ATTR: marker-colors=#00FF00\n"
-                "ATTR: marker-levels=-1\n"
-                "ATTR: marker-message=\" \"\n"
-                "ATTR: marker-names=\"InkSheetType: 85\"\n"
-                "ATTR: marker-types=ink-ribbon\n" +
-                state_lines(""));
+  SimPrinter printer;
+  printer.total = 0;
+  printer.remaining = 5;
+  printer.sheet = 0x8501;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportLevels", 1)
+                .Wait()
+                .Levels("-1", "85")
+                .State(""),
+            RunBeside(printer, "ReportLevels\n"));
 }
 
-TEST(StateReport, RawRepliesWithTheRibbonLeftAndUsedUp) {
-  // All zero but the ink-sheet type 84 10 and the counts 350 and 123; then
-  // the same with no ribbon left.
-  std::string left(192, '\0');
-  left[145] = '\x84';
-  left[146] = '\x10';
-  left[148] = '\x01';
-  left[149] = '\x5e';
-  left[151] = '\x7b';
-  std::string used_up = left;
-  used_up[151] = '\0';
-  std::string left_hex;
-  std::string used_up_hex;
-  for (size_t i = 0; i < 192; i++) {
-    static const char DIGITS[] = "0123456789abcdef";
-    left_hex += DIGITS[static_cast<uint8_t>(left[i]) >> 4];
-    left_hex += DIGITS[static_cast<uint8_t>(left[i]) & 15];
-    used_up_hex += DIGITS[static_cast<uint8_t>(used_up[i]) >> 4];
-    used_up_hex += DIGITS[static_cast<uint8_t>(used_up[i]) & 15];
+// The hex digits of bytes, for the simulator's --raw.
+std::string Hex(const std::string& bytes) {
+  static const char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (unsigned char byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
   }
-  FilterResult run =
-      run_commands("ReportStatus\nReportStatus\n",
-                   {"--raw", left_hex, "--reply", "2:raw=" + used_up_hex});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                awake_query(left,
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[GOOD] "
-                            "levels=[ink ribbon 123 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                state_lines("") + command_line("ReportStatus", 2) +
-                awake_query(used_up,
-                            "power_state=0x00 mech_state=[0x00,0x00] "
-                            "memory_state=0x00 error_info=[0xfe,0xed,0x01] "
-                            "levels=[ink ribbon 0 / 350 "
-                            "ink_sheet_type=0x84.0x10]") +
-                state_lines("0005"));
+  return text;
+}
+
+// The printer's replies given whole, as raw bytes: all zero but the
+// ink-sheet type 84 10 and the counts 350 and 123, then with no ribbon left.
+TEST(StateReport, RawRepliesWithTheRibbonLeftAndUsedUp) {
+  SimPrinter left;
+  SimPrinter used_up;
+  used_up.remaining = 0;
+  ExpectRun(ExpectedRun(left)
+                .Command("ReportStatus", 1)
+                .Wait()
+                .State("")
+                .Becomes(used_up)
+                .Command("ReportStatus", 2)
+                .Wait()
+                .State("0005"),
+            RunCommands("ReportStatus\nReportStatus\n",
+                        {"--raw", Hex(left.Reply(false)), "--reply",
+                         "2:raw=" + Hex(used_up.Reply(false))}));
 }
 
 TEST(StateReport, EachReportStatusLineWaitsOnItsOwn) {
   // The first line's printer sleeps through one query; so does the second
   // line's (query 3), which starts again from a fresh count.
-  FilterResult run = run_commands(
-      "ReportStatus\nReportStatus\n", {"--wake-after", "1", "--reply", "3:power=01"});
-  InfoReply asleep;
-  asleep.power = 0x01;
-  std::string asleep_query =
-      info_query_lines(info_reply_bytes(asleep)) +
-      "DEBUG: printer_info=[power_state=0x01 mech_state=[0x00,0x00] "
-      "memory_state=0x00 error_info=[GOOD] levels=[ink ribbon 123 / 350 "
-      "ink_sheet_type=0x84.0x10]]\n"
-      "DEBUG: #retry_status=[wake_up=retrying(1/60)]\n";
-  std::string awake_query_lines =
-      info_query_lines(info_reply_bytes(InfoReply())) + DEFAULT_INFO_LINE +
-      "DEBUG: #retry_status=[wake_up=fulfilled(1/60)]\n";
-  std::string one_line = "DEBUG: get_printer_info_retry() START\n" +
-                         asleep_query + awake_query_lines +
-                         "DEBUG: get_printer_info_retry() END\n" +
-                         state_lines("");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         one_line + command_line("ReportStatus", 2) + one_line);
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND +
-                         PRINTER_INFO_COMMAND + PRINTER_INFO_COMMAND +
-                         PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\nsleep 1\nsleep 1\n");
+  SimPrinter printer;
+  printer.wake_after = 1;
+  printer.asleep_at = {3};
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportStatus", 1)
+                .Wait()
+                .State("")
+                .Command("ReportStatus", 2)
+                .Wait()
+                .State(""),
+            RunBeside(printer, "ReportStatus\nReportStatus\n"));
 }
 
 }  // namespace

@@ -6,82 +6,92 @@
 
 #include <string>
 
-#include "tests/support/expected_text.h"
+#include "tests/support/built_tools.h"
+#include "tests/support/expected_run.h"
+#include "tests/support/expected_trace.h"
 #include "tests/support/filter_run.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
-// The wait around one failed query: the transaction's own lines end with
-// the failure line and END; the wait gives up at once.
-std::string failed_query(const std::string& failure_lines) {
-  return "DEBUG: get_printer_info_retry() START\n"
-         "DEBUG: get_printer_info() START\n" +
-         hex_dump("[CMD]", PRINTER_INFO_COMMAND) + failure_lines +
-         "DEBUG: get_printer_info() END\n"
-         "DEBUG: printer_info=[UNAVAILABLE]\n"
-         "DEBUG: get_printer_info_retry() END\n";
+// Runs the commands beside the printer.
+FilterResult RunBeside(const SimPrinter& printer, const std::string& commands) {
+  return RunCommands(commands, printer.SimOptions());
+}
+
+// One "ReportStatus" line beside the printer, whose report raises
+// `raised`.
+void ExpectStatusLine(const SimPrinter& printer, const std::string& raised) {
+  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State(raised),
+            RunBeside(printer, "ReportStatus\n"));
+}
+
+// A run whose wake-up could not be written: status 1 after the wake-up's
+// failure line, nothing on stdout, no pause; the simulator saw `sim_log`.
+ExpectedRun WakeUpFailure(const std::string& failure_line,
+                          const std::string& sim_log) {
+  ExpectedRun expected;
+  expected.status = 1;
+  expected.err = WakeUpFailureLines(failure_line);
+  expected.out = "";
+  expected.sleeps = "";
+  expected.sim_log = sim_log;
+  return expected;
 }
 
 TEST(PrinterTransaction, StdoutCarriesTheExactCommandBytes) {
-  FilterResult run = run_commands("ReportStatus\nReportLevels\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out, std::string("\x1b\x45\x57\x55"
-                                 "\x1b\x56\x32\x31"
-                                 "\x1b\x56\x32\x31",
-                                 12));
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         default_status_lines() +
-                         command_line("ReportLevels", 2) +
-                         default_levels_lines());
+  FilterResult run = RunCommands("ReportStatus\nReportLevels\n");
+  EXPECT_EQ(std::string("\x1b\x45\x57\x55"
+                        "\x1b\x56\x32\x31"
+                        "\x1b\x56\x32\x31",
+                        12),
+            run.out);
+  ExpectRun(ExpectedRun()
+                .Command("ReportStatus", 1)
+                .Wait()
+                .State("")
+                .Command("ReportLevels", 2)
+                .Wait()
+                .Levels("35", kSheetPvR31aGx)
+                .State(""),
+            run);
 }
 
 TEST(PrinterTransaction, ReplyInTwoPiecesIsGatheredWhole) {
-  FilterResult run = run_commands("ReportStatus\n", {"--split", "100,92"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         default_status_lines());
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: cmd 1b 45 57 55\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: cmd 1b 56 32 31\n"
-            "sim: reply 192 bytes in pieces 100,92\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: filter exited with status 0\n");
+  SimPrinter printer;
+  printer.split = {100, 92};
+  ExpectStatusLine(printer, "");
 }
 
 TEST(PrinterTransaction, ReplyInManySmallPiecesIsGatheredWhole) {
-  FilterResult run =
-      run_commands("ReportStatus\n", {"--split", "1,4,1,10,100,50,26"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         default_status_lines());
+  SimPrinter printer;
+  printer.split = {1, 4, 1, 10, 100, 50, 26};
+  ExpectStatusLine(printer, "");
 }
 
+// Every byte that no field covers holds 5a, the 8 extra bytes included;
+// none of them may change what the filter makes of the reply.
 TEST(PrinterTransaction, OversizedReplyIsDumpedWholeAndParsedToByte191) {
-  // Every byte that no field covers holds 5a, the 8 extra bytes included;
-  // none of them may change what the filter makes of the reply.
-  FilterResult run =
-      run_commands("ReportStatus\n", {"--size", "200", "--fill", "5a"});
-  InfoReply reply;
-  reply.size = 200;
-  reply.fill = 0x5a;
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         "DEBUG: get_printer_info_retry() START\n" +
-                         info_query_lines(info_reply_bytes(reply)) +
-                         DEFAULT_INFO_LINE +
-                         "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-                         "DEBUG: get_printer_info_retry() END\n" +
-                         state_lines(""));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
+  SimPrinter printer;
+  printer.size = 200;
+  printer.fill = 0x5a;
+  ExpectStatusLine(printer, "");
 }
 
 TEST(PrinterTransaction, OversizedReplyDumpLinesSpelledOut) {
   FilterResult run =
-      run_commands("ReportStatus\n", {"--size", "200", "--fill", "5a"});
-  const std::string dump =
+      RunCommands("ReportStatus\n", {"--size", "200", "--fill", "5a"});
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: wr_esc_wakeup() END\n"
+      "DEBUG: ====> command=[ReportStatus] linenum=1\n"
+      "DEBUG: get_printer_info_retry() START\n"
+      "DEBUG: get_printer_info() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 56 32 31\n"
       "DEBUG: [STS] size=200\n"
       "DEBUG: [STS] 0000: 5a 5a 5a 5a 00 00 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
       "DEBUG: [STS] 0010: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
@@ -95,163 +105,117 @@ TEST(PrinterTransaction, OversizedReplyDumpLinesSpelledOut) {
       "DEBUG: [STS] 0090: 5a 84 10 5a 01 5e 00 7b 5a 5a 5a 5a 5a 5a 5a 5a\n"
       "DEBUG: [STS] 00a0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
       "DEBUG: [STS] 00b0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 00c0: 5a 5a 5a 5a 5a 5a 5a 5a\n";
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            "DEBUG: wr_esc_wakeup() START\n"
-            "DEBUG: [CMD] size=4\n"
-            "DEBUG: [CMD] 0000: 1b 45 57 55\n"
-            "DEBUG: wr_esc_wakeup() END\n"
-            "DEBUG: ====> command=[ReportStatus] linenum=1\n"
-            "DEBUG: get_printer_info_retry() START\n"
-            "DEBUG: get_printer_info() START\n"
-            "DEBUG: [CMD] size=4\n"
-            "DEBUG: [CMD] 0000: 1b 56 32 31\n" +
-                dump +
-                "DEBUG: get_printer_info() END\n"
-                "DEBUG: printer_info=[power_state=0x00 mech_state=[0x00,0x00] "
-                "memory_state=0x00 error_info=[GOOD] levels=[ink ribbon 123 / "
-                "350 ink_sheet_type=0x84.0x10]]\n"
-                "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-                "DEBUG: get_printer_info_retry() END\n" +
-                state_lines(""));
+      "DEBUG: [STS] 00c0: 5a 5a 5a 5a 5a 5a 5a 5a\n"
+      "DEBUG: get_printer_info() END\n"
+      "DEBUG: printer_info=[power_state=0x00 mech_state=[0x00,0x00] "
+      "memory_state=0x00 error_info=[GOOD] levels=[ink ribbon 123 / "
+      "350 ink_sheet_type=0x84.0x10]]\n"
+      "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
+      "DEBUG: get_printer_info_retry() END\n" +
+          StateLines(""),
+      run.err);
 }
 
 // Costs the filter's one-second read time-out.
 TEST(PrinterTransaction, ReplyCutShortAfter150BytesIsUnavailable) {
-  FilterResult run = run_commands("ReportStatus\n", {"--short", "150"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                failed_query("DEBUG: cupsBackChannelRead() failed. ret=-1\n") +
-                state_lines("0023"));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: cmd 1b 45 57 55\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: cmd 1b 56 32 31\n"
-            "sim: reply 150 bytes\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: filter exited with status 0\n");
+  SimPrinter printer;
+  printer.size = 150;
+  ExpectStatusLine(printer, "0023");
 }
 
 // Costs the filter's one-second read time-out.
 TEST(PrinterTransaction, MissingReplyOnALevelsLineReportsUnavailableLevels) {
-  FilterResult run = run_commands("ReportLevels\n", {"--no-reply"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportLevels", 1) +
-                failed_query("DEBUG: cupsBackChannelRead() failed. ret=-1\n") +
-                unavailable_levels_lines() + state_lines("0023"));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
+  SimPrinter printer;
+  printer.fail_at = 1;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportLevels", 1)
+                .Wait()
+                .UnavailableLevels()
+                .State("0023"),
+            RunBeside(printer, "ReportLevels\n"));
 }
 
 TEST(PrinterTransaction, ClosedBackChannelReadsEndOfFile) {
-  FilterResult run =
-      run_commands("ReportStatus\nReportStatus\n", {"--close-backchannel"});
-  std::string failed =
-      failed_query("DEBUG: cupsBackChannelRead() failed. ret=0\n");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, wake_up_lines() + command_line("ReportStatus", 1) +
-                         failed + state_lines("0023") +
-                         command_line("ReportStatus", 2) + failed +
-                         state_lines("0023"));
-  EXPECT_EQ(run.out,
-            WAKE_UP_COMMAND + PRINTER_INFO_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  SimPrinter printer;
+  printer.close_back_at = SimPrinter::kAtStart;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportStatus", 1)
+                .Wait()
+                .State("0023")
+                .Command("ReportStatus", 2)
+                .Wait()
+                .State("0023"),
+            RunBeside(printer, "ReportStatus\nReportStatus\n"));
 }
 
 TEST(PrinterTransaction, BackChannelClosingAtTheSecondQuery) {
-  FilterResult run =
-      run_commands("ReportStatus\nReportStatus\n", {"--close-backchannel=2"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                default_status_lines() + command_line("ReportStatus", 2) +
-                failed_query("DEBUG: cupsBackChannelRead() failed. ret=0\n") +
-                state_lines("0023"));
+  SimPrinter printer;
+  printer.close_back_at = 2;
+  ExpectRun(ExpectedRun(printer)
+                .Command("ReportStatus", 1)
+                .Wait()
+                .State("")
+                .Command("ReportStatus", 2)
+                .Wait()
+                .State("0023"),
+            RunBeside(printer, "ReportStatus\nReportStatus\n"));
+}
+
+// The wait around one query whose drain got the status, and which then
+// received the default printer's reply.
+std::string DrainedQuery(int drain_status) {
+  SimPrinter printer;
+  return kRetryStartLine + InfoSentLines(drain_status) +
+         InfoReceivedLines(printer.Reply(false)) + printer.InfoLine(false) +
+         RetryLine("fulfilled", 0) + kRetryEndLine;
 }
 
 // The one test that pays a real drain time-out (5 s): the drain of the
 // query goes unanswered, and the reply is read all the same.
 TEST(PrinterTransaction, DrainTimeOutIsLoggedAndTheReplyStillRead) {
   FilterResult run =
-      run_commands("ReportStatus\n", {"--drain-at", "2:never"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            wake_up_lines() + command_line("ReportStatus", 1) +
-                "DEBUG: get_printer_info_retry() START\n"
-                "DEBUG: get_printer_info() START\n" +
-                hex_dump("[CMD]", PRINTER_INFO_COMMAND) +
-                "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=CUPS_SC_STATUS_TIMEOUT(3)\n" +
-                hex_dump("[STS]", info_reply_bytes(InfoReply())) +
-                "DEBUG: get_printer_info() END\n" + DEFAULT_INFO_LINE +
-                "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-                "DEBUG: get_printer_info_retry() END\n" +
-                state_lines(""));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_GE(run.seconds, 4.9);
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: cmd 1b 45 57 55\n"
-            "sim: sc DRAIN_OUTPUT -> OK\n"
-            "sim: cmd 1b 56 32 31\n"
-            "sim: reply 192 bytes\n"
-            "sim: sc DRAIN_OUTPUT -> no answer\n"
-            "sim: filter exited with status 0\n");
+      RunCommands("ReportStatus\n", {"--drain-at", "2:never"});
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(WakeUpLines() + CommandLine("ReportStatus", 1) +
+                DrainedQuery(CUPS_SC_STATUS_TIMEOUT) + StateLines(""),
+            run.err);
+  EXPECT_EQ(kWakeUpCommand + kPrinterInfoCommand, run.out);
+  EXPECT_LE(4.9, run.seconds);
+  EXPECT_EQ(
+      "sim: sc GET_BIDI -> OK 01\n"
+      "sim: cmd 1b 45 57 55\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: sc DRAIN_OUTPUT -> no answer\n"
+          "sim: filter exited with status 0\n",
+      run.sim_log);
 }
 
 TEST(PrinterTransaction, DrainWithABadStatusIsLoggedOnly) {
-  FilterResult run = run_commands(
+  FilterResult run = RunCommands(
       "ReportStatus\n", {"--drain-at", "1:IO_ERROR", "--drain-at", "2:9"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err,
-            "DEBUG: wr_esc_wakeup() START\n" +
-                hex_dump("[CMD]", WAKE_UP_COMMAND) +
-                "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=CUPS_SC_STATUS_IO_ERROR(2)\n"
-                "DEBUG: wr_esc_wakeup() END\n" +
-                command_line("ReportStatus", 1) +
-                "DEBUG: get_printer_info_retry() START\n"
-                "DEBUG: get_printer_info() START\n" +
-                hex_dump("[CMD]", PRINTER_INFO_COMMAND) +
-                "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=UNKNOWN(9)\n" +
-                hex_dump("[STS]", info_reply_bytes(InfoReply())) +
-                "DEBUG: get_printer_info() END\n" + DEFAULT_INFO_LINE +
-                "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-                "DEBUG: get_printer_info_retry() END\n" +
-                state_lines(""));
-  EXPECT_EQ(run.out, WAKE_UP_COMMAND + PRINTER_INFO_COMMAND);
-  EXPECT_EQ(run.sleeps, "usleep 500000\n");
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(WakeUpLines(CUPS_SC_STATUS_IO_ERROR) +
+                CommandLine("ReportStatus", 1) + DrainedQuery(9) +
+                StateLines(""),
+            run.err);
+  EXPECT_EQ(kWakeUpCommand + kPrinterInfoCommand, run.out);
+  EXPECT_EQ(kWakeUpPause, run.sleeps);
 }
 
 TEST(PrinterTransaction, WakeUpThatCannotBeFlushedEndsWithStatus1) {
-  FilterResult run =
-      run_commands("ReportStatus\nReportLevels\n", {"--stdout-devfull"});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, "DEBUG: wr_esc_wakeup() START\n" +
-                         hex_dump("[CMD]", WAKE_UP_COMMAND) +
-                         "DEBUG: fflush() failed.\n"
-                         "DEBUG: wr_esc_wakeup() END\n");
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.sleeps, "");
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: filter exited with status 1\n");
+  ExpectRun(WakeUpFailure("DEBUG: fflush() failed.\n",
+                          "sim: sc GET_BIDI -> OK 01\n"),
+            RunCommands("ReportStatus\nReportLevels\n", {"--stdout-devfull"}));
 }
 
 TEST(PrinterTransaction, WakeUpFailureOnAOneWayLinkEndsWithStatus1Too) {
-  FilterResult run = run_commands("ReportStatus\n",
-                                  {"--stdout-devfull", "--oneway"});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, no_bidi_line("CUPS_SC_STATUS_OK", 1) +
-                         "DEBUG: wr_esc_wakeup() START\n" +
-                         hex_dump("[CMD]", WAKE_UP_COMMAND) +
-                         "DEBUG: fflush() failed.\n"
-                         "DEBUG: wr_esc_wakeup() END\n");
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(run.sleeps, "");
+  ExpectedRun expected = WakeUpFailure("DEBUG: fflush() failed.\n",
+                                       "sim: sc GET_BIDI -> OK 00\n");
+  expected.err = ProbeFailureLine(CUPS_SC_STATUS_OK) + expected.err;
+  ExpectRun(expected,
+            RunCommands("ReportStatus\n", {"--stdout-devfull", "--oneway"}));
 }
 
 // A stream that takes only part of the wake-up command: the filter says how
@@ -260,19 +224,12 @@ TEST(PrinterTransaction, WakeUpFailureOnAOneWayLinkEndsWithStatus1Too) {
 TEST(PrinterTransaction, ShortWriteOfTheWakeUpEndsWithStatus1) {
   FilterCall call;
   call.stdin_text = "ReportStatus\n";
-  call.preload = {SHORT_FWRITE_PATH};
-  FilterResult run = run_filter(call);
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, "DEBUG: wr_esc_wakeup() START\n" +
-                         hex_dump("[CMD]", WAKE_UP_COMMAND) +
-                         "DEBUG: fwrite() failed. ret=2\n"
-                         "DEBUG: wr_esc_wakeup() END\n");
-  EXPECT_EQ(run.out, std::string("\x1b" "E"));
-  EXPECT_EQ(run.sleeps, "");
-  EXPECT_EQ(run.sim_log,
-            "sim: sc GET_BIDI -> OK 01\n"
-            "sim: unknown bytes (2): 1b 45\n"
-            "sim: filter exited with status 1\n");
+  call.preload = {BuiltTools().short_fwrite};
+  ExpectedRun expected = WakeUpFailure("DEBUG: fwrite() failed. ret=2\n",
+                                       "sim: sc GET_BIDI -> OK 01\n"
+                                       "sim: unknown bytes (2): 1b 45\n");
+  expected.out = kWakeUpCommand.substr(0, 2);
+  ExpectRun(expected, RunFilter(call));
 }
 
 }  // namespace

@@ -2,8 +2,9 @@
 // hand, byte for byte, so that tests can answer the way no sane backend
 // would.
 //
-// The filter is started as the scheduler starts it beside a backend:
-//   fd 0  the command text (a temporary file), or /dev/null
+// The filter built here is started as the scheduler starts it beside a
+// backend:
+//   fd 0  the command text (a temporary file)
 //   fd 1  a pipe to us (the escape commands; TakeStdout() reads it)
 //   fd 2  a temporary file (ExitInfo::err)
 //   fd 3  the read end of the back-channel pipe (SendBack() writes to it)
@@ -13,27 +14,23 @@
 // what libcups sends: command byte, status byte, 16-bit big-endian data
 // length, data.
 //
-// The filter runs with the sleep interposer preloaded (LD_PRELOAD of
-// FAKE_SLEEP_PATH), so only real poll time-outs cost time.  A command prefix
-// in $QUILLAROTH_FILTER_WRAPPER (for example valgrind) is put before it.
+// The filter runs with the sleep interposer preloaded, so only real poll
+// time-outs cost time, behind the wrapper of $QUILLAROTH_FILTER_WRAPPER
+// (for example valgrind) when one is set.
 
 #ifndef QUILLAROTH_TESTS_SUPPORT_HOSTILE_BACKEND_H_
 #define QUILLAROTH_TESTS_SUPPORT_HOSTILE_BACKEND_H_
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
-#include <vector>
+
+#include "tests/support/subprocess.h"
 
 // How the filter's run ended, and what it wrote.
 struct ExitInfo {
-  bool exited = false;   // ended by exit (not by a signal, not killed by us)
-  int status = -1;       // exit status when exited
-  int signal = 0;        // the signal that ended it, if one did
-  bool killed = false;   // we had to kill it: it overran its time bound
-  double seconds = 0;    // from start to end
-  std::string err;       // everything written to stderr
-  std::string out;       // everything written to stdout
+  ExitStatus exit;   // how it ended, and when
+  std::string err;   // everything written to stderr
+  std::string out;   // everything written to stdout
 };
 
 // What ReadRequest() saw instead of a request.
@@ -45,16 +42,16 @@ struct HostileOptions {
   bool back_channel = true;   // give the filter fd 3
   bool side_channel = true;   // give the filter fd 4
   std::string command_file;   // passed as the sixth argument when not empty
-  int uid = -1;               // run the filter as this user (when >= 0)
+  int uid = -1;               // run the filter as this user (when >= 0),
+                              // from a copy that the user can reach
 };
 
 class HostileBackend {
  public:
-  // Starts filter_path with the five job arguments (plus the command file
-  // of the options), preload_path in LD_PRELOAD and text on stdin.
-  HostileBackend(const std::string& filter_path,
-                 const std::string& preload_path, const std::string& text,
-                 const HostileOptions& options = HostileOptions());
+  // Starts the filter with the five job arguments (plus the command file of
+  // the options) and text on stdin.
+  explicit HostileBackend(const std::string& text,
+                          const HostileOptions& options = HostileOptions());
   // Kills the filter if it still runs; closes everything.
   ~HostileBackend();
 
@@ -82,24 +79,15 @@ class HostileBackend {
 
   // A side-channel message: command, status, length (big-endian), data.
   static std::string Message(int command, int status, const std::string& data);
-  // The slow-down factor of the wrapper in $QUILLAROTH_FILTER_WRAPPER (1
-  // without one); time bounds are multiplied by it.
-  static double Slowdown();
 
  private:
-  // Seconds since the filter was started.
-  double Elapsed() const;
-
-  pid_t pid_ = -1;
-  int pidfd_ = -1;
+  std::unique_ptr<Subprocess> filter_;
   int side_ = -1;        // our end of the side channel
   int back_ = -1;        // write end of the back channel
   int back_peek_ = -1;   // a kept read end, to see what is unread
   int stdout_ = -1;      // read end of the filter's stdout
   int err_fd_ = -1;      // the filter's stderr file
   std::string out_;      // stdout bytes taken so far
-  double start_ = 0;
-  bool waited_ = false;
 };
 
 #endif  // QUILLAROTH_TESTS_SUPPORT_HOSTILE_BACKEND_H_
