@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
+#include "tests/support/expected_trace.h"
 #include "tests/support/stderr_capture.h"
 #include "tests/support/stderr_writes.h"
 
@@ -28,24 +28,10 @@ std::vector<unsigned char> Counting(size_t count, unsigned start = 0) {
   return bytes;
 }
 
-// The expected dump, line by line: the head, then one line per sixteen
-// bytes opened by the label and the offset of its first byte.
+// The expected dump of the bytes (the test kit's).
 std::string ExpectedDump(const std::string& label,
                          const std::vector<unsigned char>& bytes) {
-  std::string text = "DEBUG: " + label + " size=" +
-                     std::to_string(bytes.size()) + "\n";
-  if (bytes.empty()) return text + "DEBUG: " + label + " 0000:\n";
-  char piece[32];
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    if (i % 16 == 0) {
-      if (i != 0) text += "\n";
-      snprintf(piece, sizeof(piece), "%04zx:", i);
-      text += "DEBUG: " + label + " " + piece;
-    }
-    snprintf(piece, sizeof(piece), " %02x", bytes[i]);
-    text += piece;
-  }
-  return text + "\n";
+  return HexDump(label, std::string(bytes.begin(), bytes.end()));
 }
 
 TEST(DumpMemTest, WakeUpCommand) {
@@ -76,8 +62,7 @@ TEST(DumpMemTest, SizeZeroWritesAnEmptyOffsetLine) {
 TEST(DumpMemTest, NegativeSizeWritesTheHeadOnly) {
   EXPECT_EQ("DEBUG: L size=-3\n", Dump("L", "abc", -3));
   EXPECT_EQ("DEBUG: [STS] size=-1\n", Dump("[STS]", nullptr, -1));
-  EXPECT_EQ("DEBUG: L size=-2147483648\n",
-            Dump("L", nullptr, -2147483647 - 1));
+  EXPECT_EQ("DEBUG: L size=-2147483648\n", Dump("L", nullptr, -2147483647 - 1));
 }
 
 TEST(DumpMemTest, OneByte) {
@@ -87,20 +72,12 @@ TEST(DumpMemTest, OneByte) {
       Dump("[STS]", "", 1));
 }
 
-TEST(DumpMemTest, FifteenBytes) {
-  const std::vector<unsigned char> bytes = Counting(15);
-  EXPECT_EQ(
-      "DEBUG: L size=15\n"
-      "DEBUG: L 0000: 00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e\n",
-      Dump("L", bytes.data(), 15));
-}
-
-TEST(DumpMemTest, SixteenBytesMakeOneLine) {
-  const std::vector<unsigned char> bytes = Counting(16);
-  EXPECT_EQ(
-      "DEBUG: L size=16\n"
-      "DEBUG: L 0000: 00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n",
-      Dump("L", bytes.data(), 16));
+TEST(DumpMemTest, FifteenAndSixteenBytesMakeOneLine) {
+  for (size_t count : {15, 16}) {
+    const std::vector<unsigned char> bytes = Counting(count);
+    EXPECT_EQ(ExpectedDump("L", bytes),
+              Dump("L", bytes.data(), static_cast<int>(count)));
+  }
 }
 
 TEST(DumpMemTest, SeventeenBytesMakeTwoLines) {

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
+#include <sstream>
 #include <string>
 
 #include "tests/support/stderr_capture.h"
@@ -74,6 +76,24 @@ std::string ZeroHeaderText() {
       "__cupsRowStep=0        /* Spacing between lines */\n";
 }
 
+// The dump of a header whose fields hold these values (by name, as the
+// dump prints them) and are zero elsewhere.
+std::string HeaderText(const std::map<std::string, std::string>& values) {
+  std::istringstream zero(ZeroHeaderText());
+  std::string line, text;
+  while (std::getline(zero, line)) {
+    size_t equals = line.find('=');
+    size_t comment = line.find("        /*");
+    auto value = line.compare(0, 2, "__") == 0 && equals != std::string::npos
+                     ? values.find(line.substr(2, equals - 2))
+                     : values.end();
+    if (value != values.end())
+      line = line.substr(0, equals + 1) + value->second + line.substr(comment);
+    text += line + "\n";
+  }
+  return text;
+}
+
 TEST(PageHeaderDumpTest, ZeroHeader) {
   const std::string text = DumpText(ZeroHeader());
   EXPECT_EQ(ZeroHeaderText(), text);
@@ -135,52 +155,49 @@ cups_page_header_t FullHeader() {
   return header;
 }
 
-// The dump of FullHeader().
+// The dump of FullHeader(): the zero header's lines with these values.
 std::string FullHeaderText() {
-  return
-      "=== cups_page_header_t ===\n"
-      "Standard Page Device Dictionary String Values\n"
-      "__MediaClass=PhotoClass        /* MediaClass string */\n"
-      "__MediaColor=White        /* MediaColor string */\n"
-      "__MediaType=Glossy        /* MediaType string */\n"
-      "__OutputType=" + std::string(63, 'o') + "        /* OutputType string */\n"
-      "Standard Page Device Dictionary Integer Values\n"
-      "__AdvanceDistance=12        /* AdvanceDistance value in points */\n"
-      "__AdvanceMedia=cups_adv_e(7)        /* AdvanceMedia value (@link cups_adv_t@) */\n"
-      "__Collate=cups_bool_e(2)        /* Collated copies value */\n"
-      "__CutMedia=CUPS_CUT_PAGE        /* CutMedia value (@link cups_cut_t@) */\n"
-      "__Duplex=CUPS_TRUE        /* Duplexed (double-sided) value */\n"
-      "__HWResolution=(300,600)        /* Resolution in dots-per-inch */\n"
-      "__ImagingBoundingBox=(10,20)        /* Pixel region that is painted (points, left, bottom, right, top) */\n"
-      "__InsertSheet=cups_bool_e(-1)        /* InsertSheet value */\n"
-      "__Jog=CUPS_JOG_SET        /* Jog value (@link cups_jog_t@) */\n"
-      "__LeadingEdge=cups_edge_e(9)        /* LeadingEdge value (@link cups_edge_t@) */\n"
-      "__Margins=(5,6)        /* Lower-lefthand margins in points */\n"
-      "__ManualFeed=CUPS_TRUE        /* ManualFeed value */\n"
-      "__MediaPosition=-2147483648        /* MediaPosition value */\n"
-      "__MediaWeight=250        /* MediaWeight value in grams/m^2 */\n"
-      "__MirrorPrint=cups_bool_e(2)        /* MirrorPrint value */\n"
-      "__NegativePrint=CUPS_FALSE        /* NegativePrint value */\n"
-      "__NumCopies=3        /* Number of copies to produce */\n"
-      "__Orientation=cups_orient_e(7)        /* Orientation value (@link cups_orient_t@) */\n"
-      "__OutputFaceUp=CUPS_TRUE        /* OutputFaceUp value */\n"
-      "__PageSize=(360,504)        /* Width and length of page in points */\n"
-      "__Separations=cups_bool_e(3)        /* Separations value */\n"
-      "__TraySwitch=CUPS_TRUE        /* TraySwitch value */\n"
-      "__Tumble=cups_bool_e(2)        /* Tumble value */\n"
-      "CUPS Page Device Dictionary Values\n"
-      "__cupsWidth=-1        /* Width of page image in pixels */\n"
-      "__cupsHeight=1800        /* Height of page image in pixels */\n"
-      "__cupsMediaType=-2        /* Media type code */\n"
-      "__cupsBitsPerColor=8        /* Number of bits for each color */\n"
-      "__cupsBitsPerPixel=24        /* Number of bits for each pixel */\n"
-      "__cupsBytesPerLine=3600        /* Number of bytes per line */\n"
-      "__cupsColorOrder=cups_order_e(3)        /* Order of colors */\n"
-      "__cupsColorSpace=cups_cspace_e(47)        /* True colorspace */\n"
-      "__cupsCompression=1        /* Device compression to use */\n"
-      "__cupsRowCount=2        /* Rows per band */\n"
-      "__cupsRowFeed=3        /* Feed between bands */\n"
-      "__cupsRowStep=4        /* Spacing between lines */\n";
+  return HeaderText({
+      {"MediaClass", "PhotoClass"},
+      {"MediaColor", "White"},
+      {"MediaType", "Glossy"},
+      {"OutputType", std::string(63, 'o')},
+      {"AdvanceDistance", "12"},
+      {"AdvanceMedia", "cups_adv_e(7)"},
+      {"Collate", "cups_bool_e(2)"},
+      {"CutMedia", "CUPS_CUT_PAGE"},
+      {"Duplex", "CUPS_TRUE"},
+      {"HWResolution", "(300,600)"},
+      {"ImagingBoundingBox", "(10,20)"},
+      {"InsertSheet", "cups_bool_e(-1)"},
+      {"Jog", "CUPS_JOG_SET"},
+      {"LeadingEdge", "cups_edge_e(9)"},
+      {"Margins", "(5,6)"},
+      {"ManualFeed", "CUPS_TRUE"},
+      {"MediaPosition", "-2147483648"},
+      {"MediaWeight", "250"},
+      {"MirrorPrint", "cups_bool_e(2)"},
+      {"NegativePrint", "CUPS_FALSE"},
+      {"NumCopies", "3"},
+      {"Orientation", "cups_orient_e(7)"},
+      {"OutputFaceUp", "CUPS_TRUE"},
+      {"PageSize", "(360,504)"},
+      {"Separations", "cups_bool_e(3)"},
+      {"TraySwitch", "CUPS_TRUE"},
+      {"Tumble", "cups_bool_e(2)"},
+      {"cupsWidth", "-1"},
+      {"cupsHeight", "1800"},
+      {"cupsMediaType", "-2"},
+      {"cupsBitsPerColor", "8"},
+      {"cupsBitsPerPixel", "24"},
+      {"cupsBytesPerLine", "3600"},
+      {"cupsColorOrder", "cups_order_e(3)"},
+      {"cupsColorSpace", "cups_cspace_e(47)"},
+      {"cupsCompression", "1"},
+      {"cupsRowCount", "2"},
+      {"cupsRowFeed", "3"},
+      {"cupsRowStep", "4"},
+  });
 }
 
 TEST(PageHeaderDumpTest, EveryFieldSet) {
@@ -198,50 +215,16 @@ TEST(PageHeaderDumpTest, KnownNonZeroNames) {
   header.cupsColorOrder = CUPS_ORDER_PLANAR;
   header.cupsColorSpace = CUPS_CSPACE_SRGB;
   const std::string text = DumpText(header);
-  const std::string expected =
-      "=== cups_page_header_t ===\n"
-      "Standard Page Device Dictionary String Values\n"
-      "__MediaClass=        /* MediaClass string */\n"
-      "__MediaColor=        /* MediaColor string */\n"
-      "__MediaType=        /* MediaType string */\n"
-      "__OutputType=        /* OutputType string */\n"
-      "Standard Page Device Dictionary Integer Values\n"
-      "__AdvanceDistance=0        /* AdvanceDistance value in points */\n"
-      "__AdvanceMedia=CUPS_ADVANCE_PAGE        /* AdvanceMedia value (@link cups_adv_t@) */\n"
-      "__Collate=CUPS_TRUE        /* Collated copies value */\n"
-      "__CutMedia=CUPS_CUT_JOB        /* CutMedia value (@link cups_cut_t@) */\n"
-      "__Duplex=CUPS_FALSE        /* Duplexed (double-sided) value */\n"
-      "__HWResolution=(0,0)        /* Resolution in dots-per-inch */\n"
-      "__ImagingBoundingBox=(0,0)        /* Pixel region that is painted (points, left, bottom, right, top) */\n"
-      "__InsertSheet=CUPS_FALSE        /* InsertSheet value */\n"
-      "__Jog=CUPS_JOG_FILE        /* Jog value (@link cups_jog_t@) */\n"
-      "__LeadingEdge=CUPS_EDGE_LEFT        /* LeadingEdge value (@link cups_edge_t@) */\n"
-      "__Margins=(0,0)        /* Lower-lefthand margins in points */\n"
-      "__ManualFeed=CUPS_FALSE        /* ManualFeed value */\n"
-      "__MediaPosition=0        /* MediaPosition value */\n"
-      "__MediaWeight=0        /* MediaWeight value in grams/m^2 */\n"
-      "__MirrorPrint=CUPS_FALSE        /* MirrorPrint value */\n"
-      "__NegativePrint=CUPS_FALSE        /* NegativePrint value */\n"
-      "__NumCopies=0        /* Number of copies to produce */\n"
-      "__Orientation=CUPS_ORIENT_270        /* Orientation value (@link cups_orient_t@) */\n"
-      "__OutputFaceUp=CUPS_FALSE        /* OutputFaceUp value */\n"
-      "__PageSize=(0,0)        /* Width and length of page in points */\n"
-      "__Separations=CUPS_FALSE        /* Separations value */\n"
-      "__TraySwitch=CUPS_FALSE        /* TraySwitch value */\n"
-      "__Tumble=CUPS_FALSE        /* Tumble value */\n"
-      "CUPS Page Device Dictionary Values\n"
-      "__cupsWidth=0        /* Width of page image in pixels */\n"
-      "__cupsHeight=0        /* Height of page image in pixels */\n"
-      "__cupsMediaType=0        /* Media type code */\n"
-      "__cupsBitsPerColor=0        /* Number of bits for each color */\n"
-      "__cupsBitsPerPixel=0        /* Number of bits for each pixel */\n"
-      "__cupsBytesPerLine=0        /* Number of bytes per line */\n"
-      "__cupsColorOrder=CUPS_ORDER_PLANAR        /* Order of colors */\n"
-      "__cupsColorSpace=CUPS_CSPACE_SRGB        /* True colorspace */\n"
-      "__cupsCompression=0        /* Device compression to use */\n"
-      "__cupsRowCount=0        /* Rows per band */\n"
-      "__cupsRowFeed=0        /* Feed between bands */\n"
-      "__cupsRowStep=0        /* Spacing between lines */\n";
+  const std::string expected = HeaderText({
+      {"AdvanceMedia", "CUPS_ADVANCE_PAGE"},
+      {"Collate", "CUPS_TRUE"},
+      {"CutMedia", "CUPS_CUT_JOB"},
+      {"Jog", "CUPS_JOG_FILE"},
+      {"LeadingEdge", "CUPS_EDGE_LEFT"},
+      {"Orientation", "CUPS_ORIENT_270"},
+      {"cupsColorOrder", "CUPS_ORDER_PLANAR"},
+      {"cupsColorSpace", "CUPS_CSPACE_SRGB"},
+  });
   EXPECT_EQ(expected, text);
 }
 

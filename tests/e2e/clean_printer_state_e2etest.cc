@@ -14,6 +14,7 @@
 
 #include "report/clean_printer_state.h"
 #include "tests/e2e/cupsd_test.h"
+#include "tests/support/sim_printer.h"
 #include "tests/support/stderr_capture.h"
 
 namespace {
@@ -35,7 +36,9 @@ class CleanPrinterStateTest : public CupsdTest {
   }
 
   // The user's lpoptions file, which cupsGetDests() reads.
-  std::string LpoptionsPath() { return cupsd().root() + "/home/.cups/lpoptions"; }
+  std::string LpoptionsPath() {
+    return cupsd().root() + "/home/.cups/lpoptions";
+  }
 
   // Writes the user's lpoptions file.
   void WriteLpoptions(const std::string& text) {
@@ -52,6 +55,23 @@ class CleanPrinterStateTest : public CupsdTest {
     ASSERT_EQ(queue, cupsd().DefaultDestination());
   }
 
+  // Adds a queue whose printer reports the error code and runs a
+  // ReportStatus job through it, which leaves the queue with the reasons.
+  void RaiseWithJob(const std::string& queue, uint32_t error,
+                    const std::string& reasons) {
+    SimPrinter printer = SimPrinter().Total(500).Error(error);
+    AddQueue(queue, printer.DeviceUri(queue));
+    ASSERT_NE(0, RunCommandJob(queue, kReportStatus));
+    ASSERT_EQ("printer-state-reasons=" + reasons + "\n",
+              cupsd().PrinterAttributes(queue));
+  }
+
+  // What clean_printer_state() writes around the lines of its work.
+  static std::string Cleaned(const std::string& lines) {
+    return "clean_printer_state() START\n" + lines +
+           "clean_printer_state() END\n";
+  }
+
   // Runs clean_printer_state() here and returns everything it wrote to
   // stderr.
   static std::string CleanPrinterStateOutput() {
@@ -62,21 +82,17 @@ class CleanPrinterStateTest : public CupsdTest {
 };
 
 TEST_F(CleanPrinterStateTest, WithdrawsTheReasonThatAJobRaised) {
-  AddQueue("cps_error", "quillarothsim://cps_error?total=500&remaining=123&error=060202&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("cps_error", kReportStatus));
-  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n",
-            cupsd().PrinterAttributes("cps_error"));
+  ASSERT_NO_FATAL_FAILURE(
+      RaiseWithJob("cps_error", 0x060202, "com.quillaroth-error0001"));
   SetDefault("cps_error");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -com.quillaroth-error0001\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("STATE: -com.quillaroth-error0001\n"),
             CleanPrinterStateOutput());
 }
 
 TEST_F(CleanPrinterStateTest, WithdrawsTheSchedulersOwnReasonsToo) {
-  AddQueue("cps_paused", "quillarothsim://cps_paused?total=500&remaining=123&error=090202&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("cps_paused", kReportStatus));
+  ASSERT_NO_FATAL_FAILURE(
+      RaiseWithJob("cps_paused", 0x090202, "com.quillaroth-error0002"));
   ProgramResult cupsdisable = cupsd().DisableQueue("cps_paused");
   ASSERT_EQ(0, cupsdisable.status) << cupsdisable.Describe();
   // A stopped queue gets the scheduler's "paused" after the vendor reason.
@@ -84,23 +100,16 @@ TEST_F(CleanPrinterStateTest, WithdrawsTheSchedulersOwnReasonsToo) {
             cupsd().PrinterAttributes("cps_paused"));
   SetDefault("cps_paused");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -com.quillaroth-error0002\n"
-            "STATE: -paused\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("STATE: -com.quillaroth-error0002\n"
+                    "STATE: -paused\n"),
             CleanPrinterStateOutput());
 }
 
 TEST_F(CleanPrinterStateTest, GoodQueueListsTheKeywordNone) {
-  AddQueue("cps_good", "quillarothsim://cps_good?total=500&remaining=123&error=000000&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("cps_good", kReportStatus));
-  ASSERT_EQ("printer-state-reasons=none\n", cupsd().PrinterAttributes("cps_good"));
+  ASSERT_NO_FATAL_FAILURE(RaiseWithJob("cps_good", 0x000000, "none"));
   SetDefault("cps_good");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -none\n"
-            "clean_printer_state() END\n",
-            CleanPrinterStateOutput());
+  EXPECT_EQ(Cleaned("STATE: -none\n"), CleanPrinterStateOutput());
 }
 
 TEST_F(CleanPrinterStateTest, NoDefaultDestination) {
@@ -113,9 +122,7 @@ TEST_F(CleanPrinterStateTest, NoDefaultDestination) {
   }
   ASSERT_EQ("", cupsd().DefaultDestination());
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "DEBUG: Not found default(destination) printer.\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("DEBUG: Not found default(destination) printer.\n"),
             CleanPrinterStateOutput());
 }
 
@@ -124,25 +131,19 @@ TEST_F(CleanPrinterStateTest, UserDefaultThatTheSchedulerLacksIsNoDefault) {
   SetDefault("cps_other");
   WriteLpoptions("Default cps_missing\n");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "DEBUG: Not found default(destination) printer.\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("DEBUG: Not found default(destination) printer.\n"),
             CleanPrinterStateOutput());
 }
 
 TEST_F(CleanPrinterStateTest, EmptyReasonsListWithdrawsNothing) {
-  AddQueue("cps_empty", "quillarothsim://cps_empty?total=500&remaining=123&error=060202&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("cps_empty", kReportStatus));
-  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n",
-            cupsd().PrinterAttributes("cps_empty"));
+  ASSERT_NO_FATAL_FAILURE(
+      RaiseWithJob("cps_empty", 0x060202, "com.quillaroth-error0001"));
   // The scheduler always lists at least "none"; an empty list can only come
   // from the user's own options for the destination, which cupsGetDests()
   // lays over the scheduler's.
   WriteLpoptions("Default cps_empty printer-state-reasons=\n");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "clean_printer_state() END\n",
-            CleanPrinterStateOutput());
+  EXPECT_EQ(Cleaned(""), CleanPrinterStateOutput());
 }
 
 // The reasons below come from the user's own options for the destination,
@@ -155,10 +156,8 @@ TEST_F(CleanPrinterStateTest, WithdrawsEveryReasonInTheListsOrder) {
       "Default cps_two "
       "printer-state-reasons=com.quillaroth-error0001,media-empty-error\n");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -com.quillaroth-error0001\n"
-            "STATE: -media-empty-error\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("STATE: -com.quillaroth-error0001\n"
+                    "STATE: -media-empty-error\n"),
             CleanPrinterStateOutput());
 }
 
@@ -166,10 +165,8 @@ TEST_F(CleanPrinterStateTest, EmptyFieldsAreSkipped) {
   AddQueue("cps_gap", "quillarothsim://cps_gap?error=060202");
   WriteLpoptions("Default cps_gap printer-state-reasons=a,,b\n");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -a\n"
-            "STATE: -b\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("STATE: -a\n"
+                    "STATE: -b\n"),
             CleanPrinterStateOutput());
 }
 
@@ -177,10 +174,8 @@ TEST_F(CleanPrinterStateTest, BlanksStayPartOfTheReason) {
   AddQueue("cps_blank", "quillarothsim://cps_blank?error=060202");
   WriteLpoptions("Default cps_blank printer-state-reasons=\"a, b\"\n");
 
-  EXPECT_EQ("clean_printer_state() START\n"
-            "STATE: -a\n"
-            "STATE: - b\n"
-            "clean_printer_state() END\n",
+  EXPECT_EQ(Cleaned("STATE: -a\n"
+                    "STATE: - b\n"),
             CleanPrinterStateOutput());
 }
 

@@ -12,6 +12,8 @@
 #include <string>
 
 #include "tests/e2e/cupsd_test.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
@@ -23,102 +25,120 @@ const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
 std::string Markers(const std::string& level, const std::string& message,
                     const std::string& names) {
   return "marker-colors=#00FF00\n"
-         "marker-levels=" + level + "\n"
-         "marker-message=" + message + "\n"
-         "marker-names=" + names + "\n"
+         "marker-levels=" +
+         level +
+         "\n"
+         "marker-message=" +
+         message +
+         "\n"
+         "marker-names=" +
+         names +
+         "\n"
          "marker-types=ink-ribbon\n";
 }
 
-using CommandJobTest = CupsdTest;
+// The printer's state reasons and ribbon as the queue shows them, with the
+// marker level and the ink sheet's name that its counts and type give.
+std::string Shown(const std::string& reasons, const SimPrinter& printer,
+                  const std::string& level, const char* sheet) {
+  return "printer-state-reasons=" + reasons + "\n" +
+         Markers(level, printer.RibbonMessage(),
+                 std::string("InkSheetType: ") + sheet);
+}
+
+// A printer with these counts, error code and ink sheet.
+SimPrinter Printer(uint16_t total, uint16_t remaining, uint32_t error,
+                   uint16_t sheet) {
+  SimPrinter printer =
+      SimPrinter().Total(total).Remaining(remaining).Error(error).Sheet(sheet);
+  return printer;
+}
+
+class CommandJobTest : public CupsdTest {
+ protected:
+  // Adds a queue for the printer, runs a command job through it and
+  // returns the queue's attributes afterwards.
+  std::string AttributesAfterJob(const std::string& queue,
+                                 const SimPrinter& printer,
+                                 const std::string& commands) {
+    AddQueue(queue, printer.DeviceUri(queue));
+    if (RunCommandJob(queue, commands) == 0) return "(the job failed)";
+    return cupsd().PrinterAttributes(queue);
+  }
+};
 
 TEST_F(CommandJobTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
-  AddQueue("good", "quillarothsim://good?total=500&remaining=123&error=000000&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("good", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=none\n" +
-                Markers("24", "Ink Ribbon = 123 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
-            cupsd().PrinterAttributes("good"));
+  SimPrinter printer = Printer(500, 123, 0x000000, 0x8410);
+  EXPECT_EQ(Shown("none", printer, "24", kSheetPvR31aGx),
+            AttributesAfterJob("good", printer, kReportLevels));
 }
 
 TEST_F(CommandJobTest, PrinterErrorCodeRaisesItsReason) {
-  AddQueue("printererror", "quillarothsim://printererror?total=350&remaining=300&error=060202&sheet=8f00");
-  ASSERT_NE(0, RunCommandJob("printererror", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
-                Markers("85", "Ink Ribbon = 300 / 350",
-                        "InkSheetType: PV-R32A 15x20(6x8\u2033)"),
-            cupsd().PrinterAttributes("printererror"));
+  SimPrinter printer = Printer(350, 300, 0x060202, 0x8f00);
+  EXPECT_EQ(Shown("com.quillaroth-error0001", printer, "85", kSheetPvR32a),
+            AttributesAfterJob("printererror", printer, kReportLevels));
 }
 
 TEST_F(CommandJobTest, ReportStatusSetsReasonsOnly) {
-  AddQueue("status", "quillarothsim://status?total=350&remaining=300&error=0b0507&sheet=8f10");
-  ASSERT_NE(0, RunCommandJob("status", kReportStatus));
+  SimPrinter printer = Printer(350, 300, 0x0b0507, 0x8f10);
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0011\n",
-            cupsd().PrinterAttributes("status"));
+            AttributesAfterJob("status", printer, kReportStatus));
 }
 
 TEST_F(CommandJobTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
-  AddQueue("unknown", "quillarothsim://unknown?total=500&remaining=250&error=112233&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("unknown", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
-                Markers("50", "Ink Ribbon = 250 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
-            cupsd().PrinterAttributes("unknown"));
+  SimPrinter printer = Printer(500, 250, 0x112233, 0x8410);
+  EXPECT_EQ(Shown("com.quillaroth-error0023", printer, "50", kSheetPvR31aGx),
+            AttributesAfterJob("unknown", printer, kReportLevels));
 }
 
 TEST_F(CommandJobTest, UsedUpRibbonRaisesTheRibbonReason) {
-  AddQueue("usedup", "quillarothsim://usedup?total=500&remaining=0&error=000000&sheet=8400");
-  ASSERT_NE(0, RunCommandJob("usedup", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0005\n" +
-                Markers("0", "Ink Ribbon = 0 / 500",
-                        "InkSheetType: PV-R31A 13x18(5x7\u2033)"),
-            cupsd().PrinterAttributes("usedup"));
+  SimPrinter printer = Printer(500, 0, 0x000000, 0x8400);
+  EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31a),
+            AttributesAfterJob("usedup", printer, kReportLevels));
 }
 
 TEST_F(CommandJobTest, PrinterThatWakesAfterThreeQueriesIsWaitedFor) {
-  AddQueue("sleepy", "quillarothsim://sleepy?total=500&remaining=123&error=000000&sheet=8410&wake=3");
+  SimPrinter printer = Printer(500, 123, 0x000000, 0x8410);
+  printer.wake_after = 3;
+  AddQueue("sleepy", printer.DeviceUri("sleepy"));
   int job = RunCommandJob("sleepy", kReportLevels);
   ASSERT_NE(0, job);
-  EXPECT_EQ("#retry_status=[wake_up=retrying(1/60)]\n"
-            "#retry_status=[wake_up=retrying(2/60)]\n"
-            "#retry_status=[wake_up=retrying(3/60)]\n"
-            "#retry_status=[wake_up=fulfilled(3/60)]\n",
-            cupsd().RetryStatusLines(job));
-  EXPECT_EQ("printer-state-reasons=none\n" +
-                Markers("24", "Ink Ribbon = 123 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
+  EXPECT_EQ(
+      "#retry_status=[wake_up=retrying(1/60)]\n"
+      "#retry_status=[wake_up=retrying(2/60)]\n"
+      "#retry_status=[wake_up=retrying(3/60)]\n"
+      "#retry_status=[wake_up=fulfilled(3/60)]\n",
+      cupsd().RetryStatusLines(job));
+  EXPECT_EQ(Shown("none", printer, "24", kSheetPvR31aGx),
             cupsd().PrinterAttributes("sleepy"));
 }
 
 TEST_F(CommandJobTest, OneWayLinkReportsUnavailableLevelsAndState) {
-  AddQueue("oneway", "quillarothsim://oneway?total=500&remaining=123&error=000000&sheet=8410&oneway=1");
-  ASSERT_NE(0, RunCommandJob("oneway", "#CUPS-COMMAND\nReportLevels\nReportStatus\n"));
+  AddQueue("oneway", Printer(500, 123, 0x000000, 0x8410).DeviceUri("oneway") +
+                         "&oneway=1");
+  ASSERT_NE(0, RunCommandJob("oneway",
+                             "#CUPS-COMMAND\nReportLevels\nReportStatus\n"));
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
                 Markers("-2", " ", "InkSheetType: 00"),
             cupsd().PrinterAttributes("oneway"));
 }
 
 TEST_F(CommandJobTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
-  AddQueue("twice", "quillarothsim://twice?total=500&remaining=400&error=060202&sheet=8410");
-  ASSERT_NE(0, RunCommandJob("twice", kReportLevels));
-  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
-                Markers("80", "Ink Ribbon = 400 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
-            cupsd().PrinterAttributes("twice"));
+  SimPrinter first = Printer(500, 400, 0x060202, 0x8410);
+  const std::string first_shown =
+      Shown("com.quillaroth-error0001", first, "80", kSheetPvR31aGx);
+  ASSERT_EQ(first_shown, AttributesAfterJob("twice", first, kReportLevels));
 
   // The printer has been seen to, and its ribbon changed; pointing the
   // queue at the new state leaves the reasons that the first job raised.
-  ProgramResult lpadmin = cupsd().SetDeviceUri(
-      "twice", "quillarothsim://twice?total=350&remaining=350&error=000000&sheet=8f10");
+  SimPrinter second = Printer(350, 350, 0x000000, 0x8f10);
+  ProgramResult lpadmin =
+      cupsd().SetDeviceUri("twice", second.DeviceUri("twice"));
   ASSERT_EQ(0, lpadmin.status) << lpadmin.Describe();
-  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
-                Markers("80", "Ink Ribbon = 400 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
-            cupsd().PrinterAttributes("twice"));
+  ASSERT_EQ(first_shown, cupsd().PrinterAttributes("twice"));
 
   ASSERT_NE(0, RunCommandJob("twice", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=none\n" +
-                Markers("100", "Ink Ribbon = 350 / 350",
-                        "InkSheetType: PV-R32A(GX) 15x20(6x8\u2033)"),
+  EXPECT_EQ(Shown("none", second, "100", kSheetPvR32aGx),
             cupsd().PrinterAttributes("twice"));
 }
 

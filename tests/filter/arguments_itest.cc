@@ -44,9 +44,9 @@ TEST(FilterArguments, FourArgumentsGiveUsageWithoutLineEnd) {
 }
 
 TEST(FilterArguments, SevenArgumentsGiveUsageWithoutLineEnd) {
-  ExpectRun(EarlyExit(Usage()),
-            RunWithArgs({"1", "user", "title", "1", "", "/dev/null", "extra"},
-                        ""));
+  ExpectRun(
+      EarlyExit(Usage()),
+      RunWithArgs({"1", "user", "title", "1", "", "/dev/null", "extra"}, ""));
 }
 
 TEST(FilterArguments, UnopenableCommandFileEndsWithStatus1) {
@@ -58,30 +58,19 @@ TEST(FilterArguments, UnopenableCommandFileEndsWithStatus1) {
 }
 
 TEST(FilterArguments, FiveArgumentsReadCommandsFromStdin) {
-  ExpectRun(ExpectedRun().Command("ReportStatus", 1).Wait().State(""),
-            RunCommands("ReportStatus\n"));
+  ExpectRun(ExpectedRun().ReportStatus(1, ""), RunCommands("ReportStatus\n"));
 }
 
 TEST(FilterArguments, SixArgumentsReadTheNamedFileNotStdin) {
   FilterCall call;
   call.command_file = "ReportLevels\n";
   call.stdin_text = "ReportStatus\nReportStatus\n";
-  ExpectRun(ExpectedRun()
-                .Command("ReportLevels", 1)
-                .Wait()
-                .Levels("35", kSheetPvR31aGx)
-                .State(""),
+  ExpectRun(ExpectedRun().ReportLevels(1, "35", kSheetPvR31aGx, ""),
             RunFilter(call));
 }
 
 TEST(FilterArguments, CommentsAndBlankLinesAdvanceTheLineNumber) {
-  ExpectRun(ExpectedRun()
-                .Command("ReportStatus", 3)
-                .Wait()
-                .State("")
-                .Command("ReportStatus", 6)
-                .Wait()
-                .State(""),
+  ExpectRun(ExpectedRun().ReportStatus(3, "").ReportStatus(6, ""),
             RunCommands("# a comment line\n\nReportStatus\n\n# end\n"
                         "ReportStatus\n"));
 }
@@ -98,10 +87,7 @@ TEST(FilterArguments, CommandWordsMatchInAnyCaseAndIgnoreFurtherWords) {
                 .Command("rEpOrTsTaTuS", 3)
                 .Wait()
                 .State("")
-                .Command("ReportLevels", 4)
-                .Wait()
-                .Levels("35", kSheetPvR31aGx)
-                .State(""),
+                .ReportLevels(4, "35", kSheetPvR31aGx, ""),
             RunCommands("reportstatus\n"
                         "REPORTLEVELS\n"
                         "rEpOrTsTaTuS now please\n"

@@ -44,15 +44,15 @@ TEST(BidiProbe, OneWayReportLevelsReportsUnavailableLevelsOnly) {
 }
 
 TEST(BidiProbe, OneWayLinkAnswersEveryLineWithoutAQuery) {
-  ExpectRun(ExpectedRun::OneWay(CUPS_SC_STATUS_OK, "OK 00")
-                .Command("ReportLevels", 1)
-                .UnavailableLevels()
-                .Command("ReportStatus", 2)
-                .State("0023")
-                .Command("ReportStatus", 3)
-                .State("0023"),
-            RunCommands("ReportLevels\nReportStatus\nReportStatus\n",
-                        {"--oneway"}));
+  ExpectRun(
+      ExpectedRun::OneWay(CUPS_SC_STATUS_OK, "OK 00")
+          .Command("ReportLevels", 1)
+          .UnavailableLevels()
+          .Command("ReportStatus", 2)
+          .State("0023")
+          .Command("ReportStatus", 3)
+          .State("0023"),
+      RunCommands("ReportLevels\nReportStatus\nReportStatus\n", {"--oneway"}));
 }
 
 TEST(BidiProbe, StatusNotImplementedMeansOneWay) {

@@ -64,8 +64,7 @@ class CommandFileOpenTest : public ::testing::Test {
 };
 
 TEST_F(CommandFileOpenTest, MissingFile) {
-  ExpectRun(dir_ + "/missing", 1, OpenFailure("No such file or directory"),
-            "");
+  ExpectRun(dir_ + "/missing", 1, OpenFailure("No such file or directory"), "");
 }
 
 // Root reads a file of mode 000 all the same; run as root, the filter is
@@ -77,8 +76,7 @@ TEST_F(CommandFileOpenTest, UnreadableFile) {
   bool root = getuid() == 0;
   std::string path = (root ? ReachableDir() : dir_) + "/commands";
   ASSERT_TRUE(WriteFile(path, "ReportStatus\n", 0));
-  ExpectRun(path, 1, OpenFailure("Permission denied"), "",
-            root ? kNobody : -1);
+  ExpectRun(path, 1, OpenFailure("Permission denied"), "", root ? kNobody : -1);
   unlink(path.c_str());
 }
 

@@ -12,7 +12,8 @@
 
 namespace {
 
-// The golden case, spelled out line by line.
+// The golden case, spelled out line by line (the state report's lines
+// are spelled out in the report's own tests).
 TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
   FilterResult run = RunCommands("ReportLevels\n");
   EXPECT_EQ(0, run.status);
@@ -50,26 +51,8 @@ TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
       "ATTR: marker-levels=35\n"
       "ATTR: marker-message=\"Ink Ribbon = 123 / 350\"\n"
       "ATTR: marker-names=\"InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\"\n"
-      "ATTR: marker-types=ink-ribbon\n"
-      "STATE: -com.quillaroth-error0001\n"
-      "STATE: -com.quillaroth-error0002\n"
-      "STATE: -com.quillaroth-error0003\n"
-      "STATE: -com.quillaroth-error0004\n"
-      "STATE: -com.quillaroth-error0005\n"
-      "STATE: -com.quillaroth-error0006\n"
-      "STATE: -com.quillaroth-error0007\n"
-      "STATE: -com.quillaroth-error0008\n"
-      "STATE: -com.quillaroth-error0009\n"
-      "STATE: -com.quillaroth-error0010\n"
-      "STATE: -com.quillaroth-error0011\n"
-      "STATE: -com.quillaroth-error0012\n"
-      "STATE: -com.quillaroth-error0013\n"
-      "STATE: -com.quillaroth-error0014\n"
-      "STATE: -com.quillaroth-error0018\n"
-      "STATE: -com.quillaroth-error0020\n"
-      "STATE: -com.quillaroth-error0021\n"
-      "STATE: -com.quillaroth-error0022\n"
-      "STATE: -com.quillaroth-error0023\n",
+      "ATTR: marker-types=ink-ribbon\n" +
+          StateLines(""),
       run.err);
   EXPECT_EQ(std::string("\x1b\x45\x57\x55\x1b\x56\x32\x31", 8), run.out);
   EXPECT_EQ("usleep 500000\n", run.sleeps);
@@ -85,75 +68,50 @@ TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
       run.sim_log);
 }
 
-// Runs the commands beside the printer.
-FilterResult RunBeside(const SimPrinter& printer, const std::string& commands) {
-  return RunCommands(commands, printer.SimOptions());
-}
-
 TEST(StateReport, LevelsOfAnotherSheetAndCounts) {
-  SimPrinter printer;
-  printer.sheet = 0x8f00;
-  printer.total = 500;
-  printer.remaining = 499;
-  printer.memory = 0xff;
-  printer.mech = 0x2001;
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportLevels", 1)
-                .Wait()
-                .Levels("99", kSheetPvR32a)
-                .State(""),
-            RunBeside(printer, "ReportLevels\n"));
+  SimPrinter printer =
+      SimPrinter().Sheet(0x8f00).Total(500).Remaining(499).Memory(0xff).Mech(
+          0x2001);
+  ExpectRun(ExpectedRun(printer).ReportLevels(1, "99", kSheetPvR32a, ""),
+            RunCommands("ReportLevels\n", printer));
 }
 
 TEST(StateReport, ErrorCodeFromTheTableRaisesItsReason) {
-  SimPrinter printer;
-  printer.error = 0x060202;
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0001"),
-            RunBeside(printer, "ReportStatus\n"));
+  SimPrinter printer = SimPrinter().Error(0x060202);
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "0001"),
+            RunCommands("ReportStatus\n", printer));
 }
 
 TEST(StateReport, OneOfSeveralCodesOfAReasonRaisesIt) {
-  SimPrinter printer;
-  printer.error = 0x230707;
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0009"),
-            RunBeside(printer, "ReportStatus\n"));
+  SimPrinter printer = SimPrinter().Error(0x230707);
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "0009"),
+            RunCommands("ReportStatus\n", printer));
 }
 
 TEST(StateReport, UnknownErrorCodeIsUndefined) {
-  SimPrinter printer;
-  printer.error = 0x0b0505;
+  SimPrinter printer = SimPrinter().Error(0x0b0505);
   ExpectedRun expected(printer);
   expected.Command("ReportStatus", 1).Wait();
   expected.err += UndefinedErrorLine("0x0b,0x05,0x05");
-  ExpectRun(expected.State("0023"), RunBeside(printer, "ReportStatus\n"));
+  ExpectRun(expected.State("0023"), RunCommands("ReportStatus\n", printer));
 }
 
 TEST(StateReport, UsedUpRibbonOutranksThePrintersErrorCode) {
-  SimPrinter printer;
-  printer.error = 0x060202;
-  printer.remaining = 0;
+  SimPrinter printer = SimPrinter().Error(0x060202).Remaining(0);
   ExpectRun(ExpectedRun(printer)
-                .Command("ReportLevels", 1)
-                .Wait()
-                .Levels("0", kSheetPvR31aGx)
-                .State("0005")
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State("0005"),
-            RunBeside(printer, "ReportLevels\nReportStatus\n"));
+                .ReportLevels(1, "0", kSheetPvR31aGx, "0005")
+                .ReportStatus(2, "0005"),
+            RunCommands("ReportLevels\nReportStatus\n", printer));
 }
 
 TEST(StateReport, UnusableCountsAndUnknownSheetInTheSupplyReport) {
-  SimPrinter printer;
-  printer.total = 0;
-  printer.remaining = 5;
-  printer.sheet = 0x8501;
+  SimPrinter printer = SimPrinter().Total(0).Remaining(5).Sheet(0x8501);
   ExpectRun(ExpectedRun(printer)
                 .Command("ReportLevels", 1)
                 .Wait()
                 .Levels("-1", "85")
                 .State(""),
-            RunBeside(printer, "ReportLevels\n"));
+            RunCommands("ReportLevels\n", printer));
 }
 
 // The hex digits of bytes, for the simulator's --raw.
@@ -171,16 +129,9 @@ std::string Hex(const std::string& bytes) {
 // ink-sheet type 84 10 and the counts 350 and 123, then with no ribbon left.
 TEST(StateReport, RawRepliesWithTheRibbonLeftAndUsedUp) {
   SimPrinter left;
-  SimPrinter used_up;
-  used_up.remaining = 0;
-  ExpectRun(ExpectedRun(left)
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("")
-                .Becomes(used_up)
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State("0005"),
+  SimPrinter used_up = SimPrinter().Remaining(0);
+  ExpectRun(ExpectedRun(left).ReportStatus(1, "").Becomes(used_up).ReportStatus(
+                2, "0005"),
             RunCommands("ReportStatus\nReportStatus\n",
                         {"--raw", Hex(left.Reply(false)), "--reply",
                          "2:raw=" + Hex(used_up.Reply(false))}));
@@ -189,17 +140,9 @@ TEST(StateReport, RawRepliesWithTheRibbonLeftAndUsedUp) {
 TEST(StateReport, EachReportStatusLineWaitsOnItsOwn) {
   // The first line's printer sleeps through one query; so does the second
   // line's (query 3), which starts again from a fresh count.
-  SimPrinter printer;
-  printer.wake_after = 1;
-  printer.asleep_at = {3};
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("")
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State(""),
-            RunBeside(printer, "ReportStatus\nReportStatus\n"));
+  SimPrinter printer = SimPrinter().WakeAfter(1).AsleepAt({3});
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "").ReportStatus(2, ""),
+            RunCommands("ReportStatus\nReportStatus\n", printer));
 }
 
 }  // namespace

@@ -35,9 +35,10 @@ FilterResult RunStatusBeside(const std::string& device_uri) {
 TEST(SimBackend, ListsItselfWhenRunWithoutArguments) {
   ProgramResult run = RunBackend({}, "", "");
   EXPECT_EQ(0, run.status);
-  EXPECT_EQ("network quillarothsim \"Unknown\" \"Quillaroth simulated "
-            "printer\"\n",
-            run.out);
+  EXPECT_EQ(
+      "network quillarothsim \"Unknown\" \"Quillaroth simulated "
+      "printer\"\n",
+      run.out);
   EXPECT_EQ("", run.err);
 }
 
@@ -77,18 +78,12 @@ TEST(SimBackend, ReadsTheCommandsUntilItsInputEnds) {
 }
 
 TEST(SimBackend, FilterReportsWhatTheUriScripts) {
-  SimPrinter printer;
-  printer.total = 500;
-  printer.error = 0x060202;
-  printer.sheet = 0x8400;
+  SimPrinter printer = SimPrinter().Total(500).Error(0x060202).Sheet(0x8400);
   FilterCall call;
   call.stdin_text = "ReportLevels\n";
-  ExpectBackendRun(ExpectedRun(printer)
-                       .Command("ReportLevels", 1)
-                       .Wait()
-                       .Levels("24", kSheetPvR31a)
-                       .State("0001"),
-                   RunFilterWithBackend(printer.DeviceUri("shelf"), call));
+  ExpectBackendRun(
+      ExpectedRun(printer).ReportLevels(1, "24", kSheetPvR31a, "0001"),
+      RunFilterWithBackend(printer.DeviceUri("shelf"), call));
 }
 
 TEST(SimBackend, OneWayUriMakesAOneWayLink) {
@@ -99,11 +94,9 @@ TEST(SimBackend, OneWayUriMakesAOneWayLink) {
 }
 
 TEST(SimBackend, SleepyPrinterWakesAfterTheScriptedQueries) {
-  SimPrinter printer;
-  printer.wake_after = 2;
-  ExpectBackendRun(
-      ExpectedRun(printer).Command("ReportStatus", 1).Wait().State(""),
-      RunStatusBeside(printer.DeviceUri("x")));
+  SimPrinter printer = SimPrinter().WakeAfter(2);
+  ExpectBackendRun(ExpectedRun(printer).ReportStatus(1, ""),
+                   RunStatusBeside(printer.DeviceUri("x")));
 }
 
 }  // namespace

@@ -14,16 +14,12 @@
 
 namespace {
 
-// Runs the commands beside the printer.
-FilterResult RunBeside(const SimPrinter& printer, const std::string& commands) {
-  return RunCommands(commands, printer.SimOptions());
-}
-
 // One "ReportStatus" line beside the printer, whose report raises
 // `raised`.
 void ExpectStatusLine(const SimPrinter& printer, const std::string& raised) {
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State(raised),
-            RunBeside(printer, "ReportStatus\n"));
+  ExpectRun(
+      ExpectedRun(printer).Command("ReportStatus", 1).Wait().State(raised),
+      RunCommands("ReportStatus\n", printer));
 }
 
 // A run whose wake-up could not be written: status 1 after the wake-up's
@@ -46,35 +42,25 @@ TEST(PrinterTransaction, StdoutCarriesTheExactCommandBytes) {
                         "\x1b\x56\x32\x31",
                         12),
             run.out);
-  ExpectRun(ExpectedRun()
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("")
-                .Command("ReportLevels", 2)
-                .Wait()
-                .Levels("35", kSheetPvR31aGx)
-                .State(""),
+  ExpectRun(ExpectedRun().ReportStatus(1, "").ReportLevels(2, "35",
+                                                           kSheetPvR31aGx, ""),
             run);
 }
 
 TEST(PrinterTransaction, ReplyInTwoPiecesIsGatheredWhole) {
-  SimPrinter printer;
-  printer.split = {100, 92};
+  SimPrinter printer = SimPrinter().Split({100, 92});
   ExpectStatusLine(printer, "");
 }
 
 TEST(PrinterTransaction, ReplyInManySmallPiecesIsGatheredWhole) {
-  SimPrinter printer;
-  printer.split = {1, 4, 1, 10, 100, 50, 26};
+  SimPrinter printer = SimPrinter().Split({1, 4, 1, 10, 100, 50, 26});
   ExpectStatusLine(printer, "");
 }
 
 // Every byte that no field covers holds 5a, the 8 extra bytes included;
 // none of them may change what the filter makes of the reply.
 TEST(PrinterTransaction, OversizedReplyIsDumpedWholeAndParsedToByte191) {
-  SimPrinter printer;
-  printer.size = 200;
-  printer.fill = 0x5a;
+  SimPrinter printer = SimPrinter().Size(200).Fill(0x5a);
   ExpectStatusLine(printer, "");
 }
 
@@ -83,82 +69,52 @@ TEST(PrinterTransaction, OversizedReplyDumpLinesSpelledOut) {
       RunCommands("ReportStatus\n", {"--size", "200", "--fill", "5a"});
   EXPECT_EQ(0, run.status);
   EXPECT_EQ(
-      "DEBUG: wr_esc_wakeup() START\n"
-      "DEBUG: [CMD] size=4\n"
-      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
-      "DEBUG: wr_esc_wakeup() END\n"
-      "DEBUG: ====> command=[ReportStatus] linenum=1\n"
-      "DEBUG: get_printer_info_retry() START\n"
-      "DEBUG: get_printer_info() START\n"
-      "DEBUG: [CMD] size=4\n"
-      "DEBUG: [CMD] 0000: 1b 56 32 31\n"
-      "DEBUG: [STS] size=200\n"
-      "DEBUG: [STS] 0000: 5a 5a 5a 5a 00 00 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0010: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0020: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0030: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0040: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0050: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0060: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0070: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0080: 00 00 5a 00 00 00 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 0090: 5a 84 10 5a 01 5e 00 7b 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 00a0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 00b0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: [STS] 00c0: 5a 5a 5a 5a 5a 5a 5a 5a\n"
-      "DEBUG: get_printer_info() END\n"
-      "DEBUG: printer_info=[power_state=0x00 mech_state=[0x00,0x00] "
-      "memory_state=0x00 error_info=[GOOD] levels=[ink ribbon 123 / "
-      "350 ink_sheet_type=0x84.0x10]]\n"
-      "DEBUG: #retry_status=[wake_up=fulfilled(0/60)]\n"
-      "DEBUG: get_printer_info_retry() END\n" +
-          StateLines(""),
+      WakeUpLines() + CommandLine("ReportStatus", 1) + kRetryStartLine +
+          InfoSentLines() +
+          "DEBUG: [STS] size=200\n"
+          "DEBUG: [STS] 0000: 5a 5a 5a 5a 00 00 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0010: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0020: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0030: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0040: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0050: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0060: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0070: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0080: 00 00 5a 00 00 00 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 0090: 5a 84 10 5a 01 5e 00 7b 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 00a0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 00b0: 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: [STS] 00c0: 5a 5a 5a 5a 5a 5a 5a 5a\n"
+          "DEBUG: get_printer_info() END\n" +
+          SimPrinter().InfoLine(false) + RetryLine("fulfilled", 0) +
+          kRetryEndLine + StateLines(""),
       run.err);
 }
 
 // Costs the filter's one-second read time-out.
 TEST(PrinterTransaction, ReplyCutShortAfter150BytesIsUnavailable) {
-  SimPrinter printer;
-  printer.size = 150;
+  SimPrinter printer = SimPrinter().Size(150);
   ExpectStatusLine(printer, "0023");
 }
 
 // Costs the filter's one-second read time-out.
 TEST(PrinterTransaction, MissingReplyOnALevelsLineReportsUnavailableLevels) {
-  SimPrinter printer;
-  printer.fail_at = 1;
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportLevels", 1)
-                .Wait()
-                .UnavailableLevels()
-                .State("0023"),
-            RunBeside(printer, "ReportLevels\n"));
+  SimPrinter printer = SimPrinter().FailAt(1);
+  ExpectRun(ExpectedRun(printer).UnansweredReportLevels(1),
+            RunCommands("ReportLevels\n", printer));
 }
 
 TEST(PrinterTransaction, ClosedBackChannelReadsEndOfFile) {
-  SimPrinter printer;
-  printer.close_back_at = SimPrinter::kAtStart;
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("0023")
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State("0023"),
-            RunBeside(printer, "ReportStatus\nReportStatus\n"));
+  SimPrinter printer = SimPrinter().CloseBackAt(SimPrinter::kAtStart);
+  ExpectRun(
+      ExpectedRun(printer).ReportStatus(1, "0023").ReportStatus(2, "0023"),
+      RunCommands("ReportStatus\nReportStatus\n", printer));
 }
 
 TEST(PrinterTransaction, BackChannelClosingAtTheSecondQuery) {
-  SimPrinter printer;
-  printer.close_back_at = 2;
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("")
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State("0023"),
-            RunBeside(printer, "ReportStatus\nReportStatus\n"));
+  SimPrinter printer = SimPrinter().CloseBackAt(2);
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "").ReportStatus(2, "0023"),
+            RunCommands("ReportStatus\nReportStatus\n", printer));
 }
 
 // The wait around one query whose drain got the status, and which then
@@ -173,8 +129,7 @@ std::string DrainedQuery(int drain_status) {
 // The one test that pays a real drain time-out (5 s): the drain of the
 // query goes unanswered, and the reply is read all the same.
 TEST(PrinterTransaction, DrainTimeOutIsLoggedAndTheReplyStillRead) {
-  FilterResult run =
-      RunCommands("ReportStatus\n", {"--drain-at", "2:never"});
+  FilterResult run = RunCommands("ReportStatus\n", {"--drain-at", "2:never"});
   EXPECT_EQ(0, run.status);
   EXPECT_EQ(WakeUpLines() + CommandLine("ReportStatus", 1) +
                 DrainedQuery(CUPS_SC_STATUS_TIMEOUT) + StateLines(""),
@@ -205,14 +160,14 @@ TEST(PrinterTransaction, DrainWithABadStatusIsLoggedOnly) {
 }
 
 TEST(PrinterTransaction, WakeUpThatCannotBeFlushedEndsWithStatus1) {
-  ExpectRun(WakeUpFailure("DEBUG: fflush() failed.\n",
-                          "sim: sc GET_BIDI -> OK 01\n"),
-            RunCommands("ReportStatus\nReportLevels\n", {"--stdout-devfull"}));
+  ExpectRun(
+      WakeUpFailure("DEBUG: fflush() failed.\n", "sim: sc GET_BIDI -> OK 01\n"),
+      RunCommands("ReportStatus\nReportLevels\n", {"--stdout-devfull"}));
 }
 
 TEST(PrinterTransaction, WakeUpFailureOnAOneWayLinkEndsWithStatus1Too) {
-  ExpectedRun expected = WakeUpFailure("DEBUG: fflush() failed.\n",
-                                       "sim: sc GET_BIDI -> OK 00\n");
+  ExpectedRun expected =
+      WakeUpFailure("DEBUG: fflush() failed.\n", "sim: sc GET_BIDI -> OK 00\n");
   expected.err = ProbeFailureLine(CUPS_SC_STATUS_OK) + expected.err;
   ExpectRun(expected,
             RunCommands("ReportStatus\n", {"--stdout-devfull", "--oneway"}));

@@ -14,64 +14,47 @@ namespace {
 
 // A printer that sleeps through the first n queries.
 SimPrinter WakingAfter(int n) {
-  SimPrinter printer;
-  printer.wake_after = n;
+  SimPrinter printer = SimPrinter().WakeAfter(n);
   return printer;
 }
 
-// Runs the commands beside the printer.
-FilterResult RunBeside(const SimPrinter& printer, const std::string& commands) {
-  return RunCommands(commands, printer.SimOptions());
-}
-
 TEST(WakeUpWait, PrinterAwakeAtTheFirstQueryNeedsNoSleep) {
-  ExpectRun(ExpectedRun().Command("ReportStatus", 1).Wait().State(""),
-            RunCommands("ReportStatus\n"));
+  ExpectRun(ExpectedRun().ReportStatus(1, ""), RunCommands("ReportStatus\n"));
 }
 
 TEST(WakeUpWait, PrinterWakingAtTheFourthQuery) {
   SimPrinter printer = WakingAfter(3);
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State(""),
-            RunBeside(printer, "ReportStatus\n"));
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, ""),
+            RunCommands("ReportStatus\n", printer));
 }
 
 TEST(WakeUpWait, PrinterThatNeverWakesIsGivenUpAfter61Queries) {
   SimPrinter printer = WakingAfter(SimPrinter::kNeverWakes);
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportLevels", 1)
-                .Wait()
-                .UnavailableLevels()
-                .State("0023"),
-            RunBeside(printer, "ReportLevels\n"));
+  ExpectRun(ExpectedRun(printer).UnansweredReportLevels(1),
+            RunCommands("ReportLevels\n", printer));
 }
 
 // Costs the filter's one-second read time-out.
 TEST(WakeUpWait, QueryFailingAtTheFifthAttemptEndsTheWait) {
   SimPrinter printer = WakingAfter(SimPrinter::kNeverWakes);
   printer.fail_at = 5;
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0023"),
-            RunBeside(printer, "ReportStatus\n"));
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "0023"),
+            RunCommands("ReportStatus\n", printer));
 }
 
 TEST(WakeUpWait, EveryLineStartsTheCountAfresh) {
   // Query 1 and 2 asleep, 3 awake (first line); 4 asleep, 5 awake.
   SimPrinter printer = WakingAfter(2);
   printer.asleep_at = {4};
-  ExpectRun(ExpectedRun(printer)
-                .Command("ReportStatus", 1)
-                .Wait()
-                .State("")
-                .Command("ReportStatus", 2)
-                .Wait()
-                .State(""),
-            RunBeside(printer, "ReportStatus\nReportStatus\n"));
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "").ReportStatus(2, ""),
+            RunCommands("ReportStatus\nReportStatus\n", printer));
 }
 
 TEST(WakeUpWait, AwakePrinterWithAnErrorIsReportedAfterTheWait) {
   SimPrinter printer = WakingAfter(1);
   printer.error = 0x0d0807;
-  ExpectRun(ExpectedRun(printer).Command("ReportStatus", 1).Wait().State("0021"),
-            RunBeside(printer, "ReportStatus\n"));
+  ExpectRun(ExpectedRun(printer).ReportStatus(1, "0021"),
+            RunCommands("ReportStatus\n", printer));
 }
 
 }  // namespace

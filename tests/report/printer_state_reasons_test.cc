@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "status/printer_state.h"
+#include "tests/support/expected_trace.h"
 #include "tests/support/stderr_capture.h"
 #include "tests/support/stderr_writes.h"
 
@@ -63,38 +64,16 @@ const ExpectedEntry kTable[38] = {
     {{0xfe, 0xed, 0x01}, "com.quillaroth-error0005"},
 };
 
-// Every vendor keyword the filter knows, in byte-wise ascending order.
-const char* const kKnownReasons[19] = {
-    "com.quillaroth-error0001", "com.quillaroth-error0002",
-    "com.quillaroth-error0003", "com.quillaroth-error0004",
-    "com.quillaroth-error0005", "com.quillaroth-error0006",
-    "com.quillaroth-error0007", "com.quillaroth-error0008",
-    "com.quillaroth-error0009", "com.quillaroth-error0010",
-    "com.quillaroth-error0011", "com.quillaroth-error0012",
-    "com.quillaroth-error0013", "com.quillaroth-error0014",
-    "com.quillaroth-error0018", "com.quillaroth-error0020",
-    "com.quillaroth-error0021", "com.quillaroth-error0022",
-    "com.quillaroth-error0023",
-};
-
 const char kUndefined[] = "com.quillaroth-error0023";
 
-// The report for a state that raises `raised` (or nothing when null): the
-// raising line, then a withdrawal for every other known keyword in order.
-std::string ExpectedReport(const char* raised) {
-  std::string text;
-  if (raised != nullptr) text += std::string("STATE: +") + raised + "\n";
-  for (const char* reason : kKnownReasons) {
-    if (raised != nullptr && std::strcmp(reason, raised) == 0) continue;
-    text += std::string("STATE: -") + reason + "\n";
-  }
-  return text;
+// The report for a state that raises `reason` (or nothing when null).
+std::string ExpectedReport(const char* reason) {
+  return StateLines(reason == nullptr ? "" : std::string(reason).substr(20));
 }
 
 // The report for a code that no entry holds, logged with its state text.
 std::string ExpectedUndefinedReport(const std::string& state_text) {
-  return "DEBUG: encountered undefined error number (" + state_text + ")\n" +
-         ExpectedReport(kUndefined);
+  return UndefinedErrorLine(state_text) + StateLines("0023");
 }
 
 // Runs update_printer_state and returns all it wrote to stderr.
@@ -112,8 +91,8 @@ std::string ReportCode(unsigned char b0, unsigned char b1, unsigned char b2) {
 
 TEST(PrinterStateReasonsTest, TableHasThirtyEightEntries) {
   EXPECT_EQ(38u, PRINTER_STATE_REASONS_COUNT);
-  EXPECT_EQ(38u, sizeof(PRINTER_STATE_REASONS) /
-                     sizeof(PRINTER_STATE_REASONS[0]));
+  EXPECT_EQ(38u,
+            sizeof(PRINTER_STATE_REASONS) / sizeof(PRINTER_STATE_REASONS[0]));
 }
 
 TEST(PrinterStateReasonsTest, EveryEntryInOrder) {
@@ -139,8 +118,8 @@ TEST(PrinterStateReasonsTest, EveryEntryInOrder) {
 TEST(PrinterStateReasonsTest, CodesAreAllDifferent) {
   std::set<std::string> codes;
   for (const PrinterStateReasonEntry& entry : PRINTER_STATE_REASONS)
-    codes.insert(std::string(reinterpret_cast<const char*>(entry.error_code),
-                             3));
+    codes.insert(
+        std::string(reinterpret_cast<const char*>(entry.error_code), 3));
   EXPECT_EQ(38u, codes.size());
 }
 
@@ -232,121 +211,35 @@ TEST(PrinterStateReasonsTest, GoodWithdrawsAllNineteen) {
 }
 
 TEST(PrinterStateReasonsTest, FirstCodeRaisesError0001) {
-  const std::string expected =
-      "STATE: +com.quillaroth-error0001\n"
-      "STATE: -com.quillaroth-error0002\n"
-      "STATE: -com.quillaroth-error0003\n"
-      "STATE: -com.quillaroth-error0004\n"
-      "STATE: -com.quillaroth-error0005\n"
-      "STATE: -com.quillaroth-error0006\n"
-      "STATE: -com.quillaroth-error0007\n"
-      "STATE: -com.quillaroth-error0008\n"
-      "STATE: -com.quillaroth-error0009\n"
-      "STATE: -com.quillaroth-error0010\n"
-      "STATE: -com.quillaroth-error0011\n"
-      "STATE: -com.quillaroth-error0012\n"
-      "STATE: -com.quillaroth-error0013\n"
-      "STATE: -com.quillaroth-error0014\n"
-      "STATE: -com.quillaroth-error0018\n"
-      "STATE: -com.quillaroth-error0020\n"
-      "STATE: -com.quillaroth-error0021\n"
-      "STATE: -com.quillaroth-error0022\n"
-      "STATE: -com.quillaroth-error0023\n";
-  EXPECT_EQ(expected, ReportCode(0x06, 0x02, 0x02));
+  EXPECT_EQ(StateLines("0001"), ReportCode(0x06, 0x02, 0x02));
 }
 
 TEST(PrinterStateReasonsTest, OneOfSevenCodesOfError0009) {
-  const std::string expected =
-      "STATE: +com.quillaroth-error0009\n"
-      "STATE: -com.quillaroth-error0001\n"
-      "STATE: -com.quillaroth-error0002\n"
-      "STATE: -com.quillaroth-error0003\n"
-      "STATE: -com.quillaroth-error0004\n"
-      "STATE: -com.quillaroth-error0005\n"
-      "STATE: -com.quillaroth-error0006\n"
-      "STATE: -com.quillaroth-error0007\n"
-      "STATE: -com.quillaroth-error0008\n"
-      "STATE: -com.quillaroth-error0010\n"
-      "STATE: -com.quillaroth-error0011\n"
-      "STATE: -com.quillaroth-error0012\n"
-      "STATE: -com.quillaroth-error0013\n"
-      "STATE: -com.quillaroth-error0014\n"
-      "STATE: -com.quillaroth-error0018\n"
-      "STATE: -com.quillaroth-error0020\n"
-      "STATE: -com.quillaroth-error0021\n"
-      "STATE: -com.quillaroth-error0022\n"
-      "STATE: -com.quillaroth-error0023\n";
-  EXPECT_EQ(expected, ReportCode(0x23, 0x07, 0x07));
+  EXPECT_EQ(StateLines("0009"), ReportCode(0x23, 0x07, 0x07));
 }
 
 TEST(PrinterStateReasonsTest, InternalSupplyLowRaisesError0005) {
-  const std::string expected =
-      "STATE: +com.quillaroth-error0005\n"
-      "STATE: -com.quillaroth-error0001\n"
-      "STATE: -com.quillaroth-error0002\n"
-      "STATE: -com.quillaroth-error0003\n"
-      "STATE: -com.quillaroth-error0004\n"
-      "STATE: -com.quillaroth-error0006\n"
-      "STATE: -com.quillaroth-error0007\n"
-      "STATE: -com.quillaroth-error0008\n"
-      "STATE: -com.quillaroth-error0009\n"
-      "STATE: -com.quillaroth-error0010\n"
-      "STATE: -com.quillaroth-error0011\n"
-      "STATE: -com.quillaroth-error0012\n"
-      "STATE: -com.quillaroth-error0013\n"
-      "STATE: -com.quillaroth-error0014\n"
-      "STATE: -com.quillaroth-error0018\n"
-      "STATE: -com.quillaroth-error0020\n"
-      "STATE: -com.quillaroth-error0021\n"
-      "STATE: -com.quillaroth-error0022\n"
-      "STATE: -com.quillaroth-error0023\n";
-  EXPECT_EQ(expected, Report(PrinterState::InternalSupplyLow()));
-  EXPECT_EQ(expected, ReportCode(0x05, 0x02, 0x02));
+  EXPECT_EQ(StateLines("0005"), Report(PrinterState::InternalSupplyLow()));
+  EXPECT_EQ(StateLines("0005"), ReportCode(0x05, 0x02, 0x02));
 }
 
-// The lines for a state that raises error0023: everything else withdrawn.
-const char kError0023Lines[] =
-    "STATE: +com.quillaroth-error0023\n"
-    "STATE: -com.quillaroth-error0001\n"
-    "STATE: -com.quillaroth-error0002\n"
-    "STATE: -com.quillaroth-error0003\n"
-    "STATE: -com.quillaroth-error0004\n"
-    "STATE: -com.quillaroth-error0005\n"
-    "STATE: -com.quillaroth-error0006\n"
-    "STATE: -com.quillaroth-error0007\n"
-    "STATE: -com.quillaroth-error0008\n"
-    "STATE: -com.quillaroth-error0009\n"
-    "STATE: -com.quillaroth-error0010\n"
-    "STATE: -com.quillaroth-error0011\n"
-    "STATE: -com.quillaroth-error0012\n"
-    "STATE: -com.quillaroth-error0013\n"
-    "STATE: -com.quillaroth-error0014\n"
-    "STATE: -com.quillaroth-error0018\n"
-    "STATE: -com.quillaroth-error0020\n"
-    "STATE: -com.quillaroth-error0021\n"
-    "STATE: -com.quillaroth-error0022\n";
-
 TEST(PrinterStateReasonsTest, UnavailableRaisesError0023WithoutDebugLine) {
-  EXPECT_EQ(kError0023Lines, Report(PrinterState::Unavailable()));
+  EXPECT_EQ(StateLines("0023"), Report(PrinterState::Unavailable()));
 }
 
 TEST(PrinterStateReasonsTest, UnavailableIgnoresItsCodeBytes) {
   const unsigned char code[3] = {0x06, 0x02, 0x02};
-  EXPECT_EQ(kError0023Lines,
+  EXPECT_EQ(StateLines("0023"),
             Report(PrinterState(PrinterState::Type::Unavailable, &code)));
 }
 
 TEST(PrinterStateReasonsTest, UnknownCodeIsLoggedAndRaisesError0023) {
-  EXPECT_EQ(std::string("DEBUG: encountered undefined error number "
-                        "(0x11,0x22,0x33)\n") +
-                kError0023Lines,
+  EXPECT_EQ(ExpectedUndefinedReport("0x11,0x22,0x33"),
             ReportCode(0x11, 0x22, 0x33));
 }
 
 TEST(PrinterStateReasonsTest, TypeTwoIsLoggedAsUnknown) {
-  EXPECT_EQ(std::string("DEBUG: encountered undefined error number "
-                        "(UNKNOWN)\n") +
-                kError0023Lines,
+  EXPECT_EQ(ExpectedUndefinedReport("UNKNOWN"),
             Report(PrinterState(static_cast<PrinterState::Type>(2))));
 }
 
@@ -360,11 +253,8 @@ TEST(PrinterStateReasonsTest, TypeTwoWithAKnownCodeIsStillUndefined) {
 }
 
 TEST(PrinterStateReasonsTest, CodesThatDifferInTheLastByteAreDistinct) {
-  EXPECT_EQ(ExpectedReport("com.quillaroth-error0011"),
-            ReportCode(0x0b, 0x05, 0x07));
-  EXPECT_EQ(std::string("DEBUG: encountered undefined error number "
-                        "(0x0b,0x05,0x05)\n") +
-                kError0023Lines,
+  EXPECT_EQ(StateLines("0011"), ReportCode(0x0b, 0x05, 0x07));
+  EXPECT_EQ(ExpectedUndefinedReport("0x0b,0x05,0x05"),
             ReportCode(0x0b, 0x05, 0x05));
 }
 
@@ -387,7 +277,7 @@ TEST(PrinterStateReasonsTest, TwoCallsInARowWriteTheSameLinesTwice) {
   StderrCapture capture;
   update_printer_state(state);
   update_printer_state(state);
-  const std::string once = ExpectedReport("com.quillaroth-error0010");
+  const std::string once = StateLines("0010");
   EXPECT_EQ(once + once, capture.Text());
 }
 
@@ -396,8 +286,7 @@ TEST(PrinterStateReasonsTest, EarlierCallsLeaveNoTrace) {
   update_printer_state(PrinterState::Unavailable());
   update_printer_state(PrinterState::Good());
   update_printer_state(PrinterState::InternalSupplyLow());
-  EXPECT_EQ(std::string(kError0023Lines) + ExpectedReport(nullptr) +
-                ExpectedReport("com.quillaroth-error0005"),
+  EXPECT_EQ(StateLines("0023") + StateLines("") + StateLines("0005"),
             capture.Text());
 }
 
@@ -408,11 +297,10 @@ TEST(PrinterStateReasonsTest, EachLineIsOneWrite) {
   update_printer_state(PrinterState::Unavailable());
   const unsigned char unknown[3] = {0x11, 0x22, 0x33};
   update_printer_state(PrinterState::Error(&unknown));
-  EXPECT_EQ(SplitLines(ExpectedReport(nullptr) +
-                       ExpectedReport("com.quillaroth-error0005") +
-                       kError0023Lines +
-                       ExpectedUndefinedReport("0x11,0x22,0x33")),
-            writes.Writes());
+  EXPECT_EQ(
+      SplitLines(StateLines("") + StateLines("0005") + StateLines("0023") +
+                 ExpectedUndefinedReport("0x11,0x22,0x33")),
+      writes.Writes());
 }
 
 }  // namespace

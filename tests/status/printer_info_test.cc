@@ -6,32 +6,35 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "status/printer_levels.h"
 #include "status/printer_state.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
 // The record's own field order: tag, power, mechanism, memory, error code,
 // counts, ink-sheet type.
-static_assert(std::is_same_v<std::underlying_type_t<PrinterInfo::Type>,
-                             int32_t>);
+static_assert(
+    std::is_same_v<std::underlying_type_t<PrinterInfo::Type>, int32_t>);
 static_assert(static_cast<int32_t>(PrinterInfo::Type::Unavailable) == 0);
 static_assert(static_cast<int32_t>(PrinterInfo::Type::Available) == 1);
 static_assert(std::is_same_v<decltype(PrinterInfo::type), PrinterInfo::Type>);
 static_assert(std::is_same_v<decltype(PrinterInfo::power_state), uint8_t>);
 static_assert(std::is_same_v<decltype(PrinterInfo::mech_state), uint8_t[2]>);
 static_assert(std::is_same_v<decltype(PrinterInfo::memory_state), uint8_t>);
-static_assert(std::is_same_v<decltype(PrinterInfo::error_info),
-                             unsigned char[3]>);
+static_assert(
+    std::is_same_v<decltype(PrinterInfo::error_info), unsigned char[3]>);
 static_assert(std::is_same_v<decltype(PrinterInfo::ribbon_total), uint16_t>);
-static_assert(std::is_same_v<decltype(PrinterInfo::ribbon_remaining),
-                             uint16_t>);
-static_assert(std::is_same_v<decltype(PrinterInfo::ink_sheet_type),
-                             unsigned char[2]>);
+static_assert(
+    std::is_same_v<decltype(PrinterInfo::ribbon_remaining), uint16_t>);
+static_assert(
+    std::is_same_v<decltype(PrinterInfo::ink_sheet_type), unsigned char[2]>);
 static_assert(std::is_standard_layout_v<PrinterInfo>);
 static_assert(std::is_trivially_copyable_v<PrinterInfo>);
 static_assert(offsetof(PrinterInfo, type) == 0);
@@ -45,12 +48,39 @@ static_assert(offsetof(PrinterInfo, ink_sheet_type) == 16);
 static_assert(sizeof(PrinterInfo) == 20);
 
 // The bytes of the reply that the record reads.
-const size_t kReadOffsets[] = {4,   5,   128, 129, 131, 132, 133, 145,
-                               146, 148, 149, 150, 151};
+const size_t kReadOffsets[] = {4,   5,   128, 129, 131, 132, 133,
+                               145, 146, 148, 149, 150, 151};
 
 // A reply of the minimal length, every byte zero.
 std::vector<char> ZeroReply(size_t size = 192) {
   return std::vector<char>(size, '\0');
+}
+
+// A reply of the minimal length, zero but for the given bytes.
+std::vector<char> ReplyWith(
+    std::initializer_list<std::pair<size_t, unsigned char>> bytes) {
+  std::vector<char> reply = ZeroReply();
+  for (const auto& [offset, value] : bytes)
+    reply[offset] = static_cast<char>(value);
+  return reply;
+}
+
+// The ribbon counts (total, remaining) parsed from their four bytes.
+std::pair<int, int> CountsOf(unsigned char total_0, unsigned char total_1,
+                             unsigned char remaining_0,
+                             unsigned char remaining_1) {
+  std::vector<char> reply = ReplyWith(
+      {{148, total_0}, {149, total_1}, {150, remaining_0}, {151, remaining_1}});
+  const PrinterInfo info = PrinterInfo::Parse(reply.data());
+  return {info.ribbon_total, info.ribbon_remaining};
+}
+
+// A record of the type holding the fields of the printer's reply.
+PrinterInfo Record(PrinterInfo::Type type, const SimPrinter& printer) {
+  const std::string reply = printer.Reply(false);
+  PrinterInfo info = PrinterInfo::Parse(reply.data());
+  info.type = type;
+  return info;
 }
 
 // Sets one reply byte from its unsigned value.
@@ -93,20 +123,10 @@ void ExpectLevels(const PrinterLevels& levels, PrinterLevels::Type type,
 }
 
 TEST(PrinterInfoTest, ParseTakesEachFieldFromItsOffset) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 4, 0x44);
-  Set(reply, 5, 0x55);
-  Set(reply, 128, 0x80);
-  Set(reply, 129, 0x81);
-  Set(reply, 131, 0x83);
-  Set(reply, 132, 0x84);
-  Set(reply, 133, 0x85);
-  Set(reply, 145, 0x91);
-  Set(reply, 146, 0x92);
-  Set(reply, 148, 0x12);
-  Set(reply, 149, 0x34);
-  Set(reply, 150, 0x56);
-  Set(reply, 151, 0x78);
+  const std::vector<char> reply = ReplyWith(
+      {{4, 0x44}, {5, 0x55}, {128, 0x80}, {129, 0x81}, {131, 0x83},
+       {132, 0x84}, {133, 0x85}, {145, 0x91}, {146, 0x92}, {148, 0x12},
+       {149, 0x34}, {150, 0x56}, {151, 0x78}});
   const PrinterInfo info = PrinterInfo::Parse(reply.data());
   EXPECT_EQ(PrinterInfo::Type::Available, info.type);
   EXPECT_EQ(0x55, info.power_state);
@@ -142,20 +162,15 @@ TEST(PrinterInfoTest, AllZeroReply) {
 }
 
 TEST(PrinterInfoTest, RemainingOneAndZeroCodeIsGood) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 150, 0x00);
-  Set(reply, 151, 0x01);
+  std::vector<char> reply = ReplyWith({{150, 0x00}, {151, 0x01}});
   const PrinterState state = PrinterInfo::Parse(reply.data()).GetPrinterState();
   EXPECT_TRUE(state == PrinterState::Good());
   EXPECT_EQ("GOOD", state.to_string());
 }
 
 TEST(PrinterInfoTest, RemainingOneAndErrorCodeIsThatError) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 151, 0x01);
-  Set(reply, 131, 0x06);
-  Set(reply, 132, 0x02);
-  Set(reply, 133, 0x02);
+  std::vector<char> reply =
+      ReplyWith({{151, 0x01}, {131, 0x06}, {132, 0x02}, {133, 0x02}});
   const unsigned char code[3] = {0x06, 0x02, 0x02};
   const PrinterState state = PrinterInfo::Parse(reply.data()).GetPrinterState();
   EXPECT_TRUE(state == PrinterState::Error(&code));
@@ -164,56 +179,31 @@ TEST(PrinterInfoTest, RemainingOneAndErrorCodeIsThatError) {
 }
 
 TEST(PrinterInfoTest, EmptyRibbonOutranksTheErrorCode) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 131, 0x06);
-  Set(reply, 132, 0x02);
-  Set(reply, 133, 0x02);
-  Set(reply, 148, 0x01);
-  Set(reply, 149, 0x5E);
+  std::vector<char> reply = ReplyWith(
+      {{131, 0x06}, {132, 0x02}, {133, 0x02}, {148, 0x01}, {149, 0x5E}});
   const PrinterState state = PrinterInfo::Parse(reply.data()).GetPrinterState();
   EXPECT_TRUE(state == PrinterState::InternalSupplyLow());
 }
 
 TEST(PrinterInfoTest, RemainingCountUsesBothBytes) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 150, 0x01);
-  Set(reply, 151, 0x00);
+  std::vector<char> reply = ReplyWith({{150, 0x01}, {151, 0x00}});
   const PrinterInfo info = PrinterInfo::Parse(reply.data());
   EXPECT_EQ(256, info.ribbon_remaining);
   EXPECT_TRUE(info.GetPrinterState() == PrinterState::Good());
 }
 
 TEST(PrinterInfoTest, CountsAreBigEndian) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 148, 0x01);
-  Set(reply, 149, 0x5E);
-  Set(reply, 150, 0x00);
-  Set(reply, 151, 0x7B);
-  const PrinterInfo info = PrinterInfo::Parse(reply.data());
-  EXPECT_EQ(350, info.ribbon_total);
-  EXPECT_EQ(123, info.ribbon_remaining);
-  Set(reply, 150, 0xFF);
-  Set(reply, 151, 0xFF);
-  EXPECT_EQ(65535, PrinterInfo::Parse(reply.data()).ribbon_remaining);
+  EXPECT_EQ(std::make_pair(350, 123), CountsOf(0x01, 0x5E, 0x00, 0x7B));
+  EXPECT_EQ(std::make_pair(350, 65535), CountsOf(0x01, 0x5E, 0xFF, 0xFF));
 }
 
 TEST(PrinterInfoTest, HighBytesGiveLargeUnsignedCounts) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 148, 0x80);
-  Set(reply, 149, 0x00);
-  Set(reply, 150, 0x80);
-  Set(reply, 151, 0xFF);
-  const PrinterInfo info = PrinterInfo::Parse(reply.data());
-  EXPECT_EQ(32768, info.ribbon_total);
-  EXPECT_EQ(33023, info.ribbon_remaining);
-  Set(reply, 148, 0xFF);
-  Set(reply, 149, 0xFE);
-  EXPECT_EQ(65534, PrinterInfo::Parse(reply.data()).ribbon_total);
+  EXPECT_EQ(std::make_pair(32768, 33023), CountsOf(0x80, 0x00, 0x80, 0xFF));
+  EXPECT_EQ(std::make_pair(65534, 33023), CountsOf(0xFF, 0xFE, 0x80, 0xFF));
 }
 
 TEST(PrinterInfoTest, PowerStateOneIsNotAwakeButAvailable) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 5, 0x01);
+  std::vector<char> reply = ReplyWith({{5, 0x01}});
   const PrinterInfo info = PrinterInfo::Parse(reply.data());
   EXPECT_FALSE(info.isWakeUp());
   EXPECT_TRUE(info.isAvailable());
@@ -222,9 +212,7 @@ TEST(PrinterInfoTest, PowerStateOneIsNotAwakeButAvailable) {
 }
 
 TEST(PrinterInfoTest, MechanismStates) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 128, 0x20);
-  Set(reply, 129, 0x00);
+  std::vector<char> reply = ReplyWith({{128, 0x20}, {129, 0x00}});
   EXPECT_TRUE(PrinterInfo::Parse(reply.data()).isMechGood());
   Set(reply, 129, 0x01);
   EXPECT_FALSE(PrinterInfo::Parse(reply.data()).isMechGood());
@@ -240,8 +228,7 @@ TEST(PrinterInfoTest, MechanismStates) {
 }
 
 TEST(PrinterInfoTest, MemoryStates) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 4, 0xFE);
+  std::vector<char> reply = ReplyWith({{4, 0xFE}});
   EXPECT_TRUE(PrinterInfo::Parse(reply.data()).isMemoryFree());
   Set(reply, 4, 0xFF);
   EXPECT_FALSE(PrinterInfo::Parse(reply.data()).isMemoryFree());
@@ -261,8 +248,7 @@ TEST(PrinterInfoTest, UnreadBytesChangeNothing) {
 }
 
 TEST(PrinterInfoTest, RecordKeepsNoPointerIntoTheReply) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 151, 0x7B);
+  std::vector<char> reply = ReplyWith({{151, 0x7B}});
   const PrinterInfo info = PrinterInfo::Parse(reply.data());
   for (char& c : reply) c = static_cast<char>(0xFF);
   reply.clear();
@@ -272,24 +258,19 @@ TEST(PrinterInfoTest, RecordKeepsNoPointerIntoTheReply) {
 }
 
 TEST(PrinterInfoTest, GetPrinterLevelsCopiesCountsAndType) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 145, 0x8F);
-  Set(reply, 146, 0x10);
-  Set(reply, 148, 0x01);
-  Set(reply, 149, 0x5E);
-  Set(reply, 151, 0x7B);
+  std::vector<char> reply = ReplyWith(
+      {{145, 0x8F}, {146, 0x10}, {148, 0x01}, {149, 0x5E}, {151, 0x7B}});
   ExpectLevels(PrinterInfo::Parse(reply.data()).GetPrinterLevels(),
                PrinterLevels::Type::Available, 350, 123, 0x8F, 0x10);
 }
 
 TEST(PrinterInfoTest, ToStringOfAGoodReply) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 145, 0x84);
-  Set(reply, 146, 0x10);
-  Set(reply, 148, 0x01);
-  Set(reply, 149, 0x5E);
-  Set(reply, 150, 0x00);
-  Set(reply, 151, 0x7B);
+  std::vector<char> reply = ReplyWith({{145, 0x84},
+                                       {146, 0x10},
+                                       {148, 0x01},
+                                       {149, 0x5E},
+                                       {150, 0x00},
+                                       {151, 0x7B}});
   EXPECT_EQ(
       "power_state=0x00 mech_state=[0x00,0x00] memory_state=0x00 "
       "error_info=[GOOD] levels=[ink ribbon 123 / 350 "
@@ -298,11 +279,8 @@ TEST(PrinterInfoTest, ToStringOfAGoodReply) {
 }
 
 TEST(PrinterInfoTest, ToStringOfAnEmptyRibbonShowsTheSupplyLowCode) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 145, 0x84);
-  Set(reply, 146, 0x10);
-  Set(reply, 148, 0x01);
-  Set(reply, 149, 0x5E);
+  std::vector<char> reply =
+      ReplyWith({{145, 0x84}, {146, 0x10}, {148, 0x01}, {149, 0x5E}});
   EXPECT_EQ(
       "power_state=0x00 mech_state=[0x00,0x00] memory_state=0x00 "
       "error_info=[0xfe,0xed,0x01] levels=[ink ribbon 0 / 350 "
@@ -311,20 +289,19 @@ TEST(PrinterInfoTest, ToStringOfAnEmptyRibbonShowsTheSupplyLowCode) {
 }
 
 TEST(PrinterInfoTest, ToStringWithEveryFieldSet) {
-  std::vector<char> reply = ZeroReply();
-  Set(reply, 4, 0xFE);
-  Set(reply, 5, 0x01);
-  Set(reply, 128, 0x20);
-  Set(reply, 129, 0xAB);
-  Set(reply, 131, 0x0A);
-  Set(reply, 132, 0x05);
-  Set(reply, 133, 0x07);
-  Set(reply, 145, 0x8F);
-  Set(reply, 146, 0x00);
-  Set(reply, 148, 0xFF);
-  Set(reply, 149, 0xFF);
-  Set(reply, 150, 0x80);
-  Set(reply, 151, 0x01);
+  std::vector<char> reply = ReplyWith({{4, 0xFE},
+                                       {5, 0x01},
+                                       {128, 0x20},
+                                       {129, 0xAB},
+                                       {131, 0x0A},
+                                       {132, 0x05},
+                                       {133, 0x07},
+                                       {145, 0x8F},
+                                       {146, 0x00},
+                                       {148, 0xFF},
+                                       {149, 0xFF},
+                                       {150, 0x80},
+                                       {151, 0x01}});
   EXPECT_EQ(
       "power_state=0x01 mech_state=[0x20,0xab] memory_state=0xfe "
       "error_info=[0x0a,0x05,0x07] levels=[ink ribbon 32769 / 65535 "
@@ -348,16 +325,7 @@ TEST(PrinterInfoTest, UnavailableAnswersEveryQuestion) {
 }
 
 TEST(PrinterInfoTest, TypeZeroIgnoresItsFields) {
-  PrinterInfo info(PrinterInfo::Type::Unavailable);
-  info.power_state = 0x00;
-  info.mech_state[0] = 0x00;
-  info.mech_state[1] = 0x00;
-  info.memory_state = 0x00;
-  info.error_info[0] = info.error_info[1] = info.error_info[2] = 0x00;
-  info.ribbon_total = 350;
-  info.ribbon_remaining = 123;
-  info.ink_sheet_type[0] = 0x84;
-  info.ink_sheet_type[1] = 0x10;
+  const PrinterInfo info = Record(PrinterInfo::Type::Unavailable, SimPrinter());
   EXPECT_FALSE(info.isAvailable());
   EXPECT_FALSE(info.isWakeUp());
   EXPECT_FALSE(info.isMechGood());
@@ -376,18 +344,8 @@ TEST(PrinterInfoTest, PlainConstructorSetsTheType) {
 }
 
 TEST(PrinterInfoTest, TypeTwoAnswersFromTheFields) {
-  PrinterInfo info(static_cast<PrinterInfo::Type>(2));
-  info.power_state = 0x00;
-  info.mech_state[0] = 0x20;
-  info.mech_state[1] = 0x00;
-  info.memory_state = 0x00;
-  info.error_info[0] = 0x06;
-  info.error_info[1] = 0x02;
-  info.error_info[2] = 0x02;
-  info.ribbon_total = 350;
-  info.ribbon_remaining = 123;
-  info.ink_sheet_type[0] = 0x84;
-  info.ink_sheet_type[1] = 0x10;
+  SimPrinter printer = SimPrinter().Mech(0x2000).Error(0x060202);
+  const PrinterInfo info = Record(static_cast<PrinterInfo::Type>(2), printer);
   EXPECT_FALSE(info.isAvailable());
   EXPECT_TRUE(info.isWakeUp());
   EXPECT_TRUE(info.isMechGood());
@@ -402,16 +360,10 @@ TEST(PrinterInfoTest, TypeTwoAnswersFromTheFields) {
 }
 
 TEST(PrinterInfoTest, TypeTwoWithAnEmptyRibbonIsSupplyLow) {
-  PrinterInfo info(static_cast<PrinterInfo::Type>(2));
-  info.power_state = 0x01;
-  info.mech_state[0] = 0x10;
-  info.mech_state[1] = 0x00;
-  info.memory_state = 0xFF;
-  info.error_info[0] = info.error_info[1] = info.error_info[2] = 0x00;
-  info.ribbon_total = 350;
-  info.ribbon_remaining = 0;
-  info.ink_sheet_type[0] = 0x00;
-  info.ink_sheet_type[1] = 0x00;
+  SimPrinter printer =
+      SimPrinter().Power(0x01).Mech(0x1000).Memory(0xFF).Remaining(0).Sheet(
+          0x0000);
+  const PrinterInfo info = Record(static_cast<PrinterInfo::Type>(2), printer);
   EXPECT_FALSE(info.isWakeUp());
   EXPECT_FALSE(info.isMechGood());
   EXPECT_FALSE(info.isMemoryFree());

@@ -7,22 +7,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <type_traits>
 
 namespace {
 
 // A 32-bit type tag, the two 16-bit counts, then the two type bytes.
-static_assert(std::is_same_v<std::underlying_type_t<PrinterLevels::Type>,
-                             int32_t>);
+static_assert(
+    std::is_same_v<std::underlying_type_t<PrinterLevels::Type>, int32_t>);
 static_assert(static_cast<int32_t>(PrinterLevels::Type::Unavailable) == 0);
 static_assert(static_cast<int32_t>(PrinterLevels::Type::Available) == 1);
-static_assert(std::is_same_v<decltype(PrinterLevels::type),
-                             PrinterLevels::Type>);
+static_assert(
+    std::is_same_v<decltype(PrinterLevels::type), PrinterLevels::Type>);
 static_assert(std::is_same_v<decltype(PrinterLevels::ribbon_total), uint16_t>);
-static_assert(std::is_same_v<decltype(PrinterLevels::ribbon_remaining),
-                             uint16_t>);
-static_assert(std::is_same_v<decltype(PrinterLevels::ink_sheet_type),
-                             unsigned char[2]>);
+static_assert(
+    std::is_same_v<decltype(PrinterLevels::ribbon_remaining), uint16_t>);
+static_assert(
+    std::is_same_v<decltype(PrinterLevels::ink_sheet_type), unsigned char[2]>);
 static_assert(std::is_standard_layout_v<PrinterLevels>);
 static_assert(std::is_trivially_copyable_v<PrinterLevels>);
 static_assert(offsetof(PrinterLevels, type) == 0);
@@ -30,6 +31,20 @@ static_assert(offsetof(PrinterLevels, ribbon_total) == 4);
 static_assert(offsetof(PrinterLevels, ribbon_remaining) == 6);
 static_assert(offsetof(PrinterLevels, ink_sheet_type) == 8);
 static_assert(sizeof(PrinterLevels) == 12);
+
+// The record's fields in order, to compare whole records.
+std::tuple<PrinterLevels::Type, int, int, int, int> Fields(
+    const PrinterLevels& levels) {
+  return {levels.type, levels.ribbon_total, levels.ribbon_remaining,
+          levels.ink_sheet_type[0], levels.ink_sheet_type[1]};
+}
+
+// The same from the expected values.
+std::tuple<PrinterLevels::Type, int, int, int, int> Fields(
+    PrinterLevels::Type type, int total, int remaining, int sheet_0,
+    int sheet_1) {
+  return {type, total, remaining, sheet_0, sheet_1};
+}
 
 // The inch mark of the media names: U+2033 DOUBLE PRIME in UTF-8.
 #define DOUBLE_PRIME "\xE2\x80\xB3"
@@ -41,11 +56,8 @@ std::string NameOf(unsigned char byte_0, unsigned char byte_1) {
 
 TEST(PrinterLevelsTest, UnavailableHasEveryFieldZero) {
   const PrinterLevels levels = PrinterLevels::Unavailable();
-  EXPECT_EQ(PrinterLevels::Type::Unavailable, levels.type);
-  EXPECT_EQ(0, levels.ribbon_total);
-  EXPECT_EQ(0, levels.ribbon_remaining);
-  EXPECT_EQ(0, levels.ink_sheet_type[0]);
-  EXPECT_EQ(0, levels.ink_sheet_type[1]);
+  EXPECT_EQ(Fields(PrinterLevels::Type::Unavailable, 0, 0, 0, 0),
+            Fields(levels));
 }
 
 TEST(PrinterLevelsTest, UnavailableIsNotAvailable) {
@@ -57,22 +69,15 @@ TEST(PrinterLevelsTest, UnavailableIsNotAvailable) {
 
 TEST(PrinterLevelsTest, PlainConstructorZeroesTheFields) {
   const PrinterLevels levels(PrinterLevels::Type::Available);
-  EXPECT_EQ(PrinterLevels::Type::Available, levels.type);
-  EXPECT_EQ(0, levels.ribbon_total);
-  EXPECT_EQ(0, levels.ribbon_remaining);
-  EXPECT_EQ(0, levels.ink_sheet_type[0]);
-  EXPECT_EQ(0, levels.ink_sheet_type[1]);
+  EXPECT_EQ(Fields(PrinterLevels::Type::Available, 0, 0, 0, 0), Fields(levels));
   EXPECT_TRUE(levels.isAvailable());
   EXPECT_EQ("ink ribbon 0 / 0 ink_sheet_type=0x00.0x00", levels.to_string());
 }
 
 TEST(PrinterLevelsTest, FillTakesTheTotalFirst) {
   const PrinterLevels levels = PrinterLevels::Fill(350, 123, 0x84, 0x10);
-  EXPECT_EQ(PrinterLevels::Type::Available, levels.type);
-  EXPECT_EQ(350, levels.ribbon_total);
-  EXPECT_EQ(123, levels.ribbon_remaining);
-  EXPECT_EQ(0x84, levels.ink_sheet_type[0]);
-  EXPECT_EQ(0x10, levels.ink_sheet_type[1]);
+  EXPECT_EQ(Fields(PrinterLevels::Type::Available, 350, 123, 0x84, 0x10),
+            Fields(levels));
 }
 
 TEST(PrinterLevelsTest, FilledRecordPrintsRemainingFirst) {
@@ -167,11 +172,7 @@ TEST(PrinterLevelsTest, QueriesLeaveTheRecordAlone) {
   (void)copy.isAvailable();
   (void)copy.InkSheetTypeName();
   (void)copy.to_string();
-  EXPECT_EQ(levels.type, copy.type);
-  EXPECT_EQ(levels.ribbon_total, copy.ribbon_total);
-  EXPECT_EQ(levels.ribbon_remaining, copy.ribbon_remaining);
-  EXPECT_EQ(levels.ink_sheet_type[0], copy.ink_sheet_type[0]);
-  EXPECT_EQ(levels.ink_sheet_type[1], copy.ink_sheet_type[1]);
+  EXPECT_EQ(Fields(levels), Fields(copy));
 }
 
 }  // namespace

@@ -6,18 +6,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 #include <type_traits>
 
 namespace {
 
 // The record is a 32-bit type tag followed by the three code bytes.
-static_assert(std::is_same_v<std::underlying_type_t<PrinterState::Type>,
-                             int32_t>);
+static_assert(
+    std::is_same_v<std::underlying_type_t<PrinterState::Type>, int32_t>);
 static_assert(static_cast<int32_t>(PrinterState::Type::Unavailable) == 0);
 static_assert(static_cast<int32_t>(PrinterState::Type::Available) == 1);
 static_assert(std::is_same_v<decltype(PrinterState::type), PrinterState::Type>);
-static_assert(std::is_same_v<decltype(PrinterState::error_code),
-                             unsigned char[3]>);
+static_assert(
+    std::is_same_v<decltype(PrinterState::error_code), unsigned char[3]>);
 static_assert(std::is_standard_layout_v<PrinterState>);
 static_assert(std::is_trivially_copyable_v<PrinterState>);
 static_assert(offsetof(PrinterState, type) == 0);
@@ -29,6 +30,13 @@ const unsigned char kCode060202[3] = {0x06, 0x02, 0x02};
 const unsigned char kCode0a0505[3] = {0x0a, 0x05, 0x05};
 const unsigned char kCode0a0507[3] = {0x0a, 0x05, 0x07};
 const unsigned char kCodeFeed01[3] = {0xfe, 0xed, 0x01};
+
+// The record's fields in order, to compare whole records.
+std::tuple<PrinterState::Type, int, int, int> Fields(
+    const PrinterState& state) {
+  return {state.type, state.error_code[0], state.error_code[1],
+          state.error_code[2]};
+}
 
 // A state whose tag is neither Unavailable nor Available.
 PrinterState TypeTwo() {
@@ -55,38 +63,30 @@ TEST(PrinterStateTest, UnavailableHasTypeZero) {
 
 TEST(PrinterStateTest, GoodIsAvailableWithZeroCode) {
   const PrinterState good = PrinterState::Good();
-  EXPECT_EQ(PrinterState::Type::Available, good.type);
-  EXPECT_EQ(0x00, good.error_code[0]);
-  EXPECT_EQ(0x00, good.error_code[1]);
-  EXPECT_EQ(0x00, good.error_code[2]);
+  EXPECT_EQ(std::make_tuple(PrinterState::Type::Available, 0x00, 0x00, 0x00),
+            Fields(good));
 }
 
 TEST(PrinterStateTest, ErrorCopiesTheCodeBytesInOrder) {
   unsigned char code[3] = {0xab, 0xcd, 0xef};
   const PrinterState state = PrinterState::Error(&code);
   code[0] = code[1] = code[2] = 0;
-  EXPECT_EQ(PrinterState::Type::Available, state.type);
-  EXPECT_EQ(0xab, state.error_code[0]);
-  EXPECT_EQ(0xcd, state.error_code[1]);
-  EXPECT_EQ(0xef, state.error_code[2]);
+  EXPECT_EQ(std::make_tuple(PrinterState::Type::Available, 0xab, 0xcd, 0xef),
+            Fields(state));
 }
 
 TEST(PrinterStateTest, InternalSupplyLowIsFeEd01) {
   const PrinterState state = PrinterState::InternalSupplyLow();
-  EXPECT_EQ(PrinterState::Type::Available, state.type);
-  EXPECT_EQ(0xfe, state.error_code[0]);
-  EXPECT_EQ(0xed, state.error_code[1]);
-  EXPECT_EQ(0x01, state.error_code[2]);
+  EXPECT_EQ(std::make_tuple(PrinterState::Type::Available, 0xfe, 0xed, 0x01),
+            Fields(state));
 }
 
 TEST(PrinterStateTest, PlainConstructorsSetTypeAndCode) {
   EXPECT_EQ(PrinterState::Type::Available,
             PrinterState(PrinterState::Type::Available).type);
   const PrinterState state(PrinterState::Type::Available, &kCode0a0507);
-  EXPECT_EQ(PrinterState::Type::Available, state.type);
-  EXPECT_EQ(0x0a, state.error_code[0]);
-  EXPECT_EQ(0x05, state.error_code[1]);
-  EXPECT_EQ(0x07, state.error_code[2]);
+  EXPECT_EQ(std::make_tuple(PrinterState::Type::Available, 0x0a, 0x05, 0x07),
+            Fields(state));
   EXPECT_EQ(2, static_cast<int32_t>(TypeTwo().type));
 }
 
@@ -208,12 +208,11 @@ TEST(PrinterStateTest, NotEqualIsTheNegationForEveryPair) {
       PrinterState(static_cast<PrinterState::Type>(2), &kZero),
       PrinterState(static_cast<PrinterState::Type>(-1), &kCode060202),
   };
-  const unsigned char (*codes[])[3] = {&kZero, &kCode060202, &kCode0a0505,
-                                       &kCode0a0507, &kCodeFeed01};
+  const unsigned char(*codes[])[3] = {&kZero, &kCode060202, &kCode0a0505,
+                                      &kCode0a0507, &kCodeFeed01};
   for (const PrinterState& a : states) {
     for (const PrinterState& b : states) EXPECT_NE(a == b, a != b);
-    for (const unsigned char (*code)[3] : codes)
-      EXPECT_NE(a == code, a != code);
+    for (const unsigned char(*code)[3] : codes) EXPECT_NE(a == code, a != code);
   }
 }
 

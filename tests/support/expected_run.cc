@@ -46,7 +46,7 @@ ExpectedRun& ExpectedRun::Wait() {
   err += kRetryStartLine;
   for (unsigned attempt = 0;; attempt++) {
     int query = ++queries_;
-    bool asleep = printer_.AsleepAt(query);
+    bool asleep = printer_.IsAsleepAt(query);
     out += kPrinterInfoCommand;
     sim_log += "sim: cmd 1b 56 32 31\n" + printer_.SimAnswerLines(query) +
                "sim: sc DRAIN_OUTPUT -> OK\n";
@@ -87,9 +87,24 @@ ExpectedRun& ExpectedRun::UnavailableLevels() {
   return *this;
 }
 
-ExpectedRun& ExpectedRun::SimLog(const std::string& lines) {
-  sim_log += lines;
-  return *this;
+ExpectedRun& ExpectedRun::ReportStatus(int linenum, const std::string& raised) {
+  return Command("ReportStatus", linenum).Wait().State(raised);
+}
+
+ExpectedRun& ExpectedRun::ReportLevels(int linenum, const std::string& level,
+                                       const std::string& sheet_name,
+                                       const std::string& raised) {
+  return Command("ReportLevels", linenum)
+      .Wait()
+      .Levels(level, sheet_name)
+      .State(raised);
+}
+
+ExpectedRun& ExpectedRun::UnansweredReportLevels(int linenum) {
+  return Command("ReportLevels", linenum)
+      .Wait()
+      .UnavailableLevels()
+      .State("0023");
 }
 
 void ExpectRun(const ExpectedRun& expected, const FilterResult& run) {

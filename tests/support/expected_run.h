@@ -5,9 +5,8 @@
 //
 //   SimPrinter printer;
 //   printer.wake_after = 3;
-//   ExpectedRun expected(printer);
-//   expected.Command("ReportStatus", 1).Wait().State("");
-//   ExpectRun(expected, RunCommands("ReportStatus\n", printer.SimOptions()));
+//   ExpectRun(ExpectedRun(printer).ReportStatus(1, ""),
+//             RunCommands("ReportStatus\n", printer.SimOptions()));
 //
 // Each query of a wait adds its trace, its command on stdout, its reply to
 // the simulator's log and, while the printer sleeps, a one-second pause.
@@ -31,6 +30,9 @@ class ExpectedRun {
 
   // From the next query on, the printer answers as this one.
   ExpectedRun& Becomes(const SimPrinter& printer);
+  // A "ReportLevels" line whose wait gets no record: the unavailable
+  // levels and state.
+  ExpectedRun& UnansweredReportLevels(int linenum);
   // The debug line of a command line.
   ExpectedRun& Command(const std::string& word, int linenum);
   // The wake-up wait of a command line: queries until the printer is awake,
@@ -43,8 +45,12 @@ class ExpectedRun {
   ExpectedRun& Levels(const std::string& level, const std::string& sheet_name);
   // The supply report of an unavailable record.
   ExpectedRun& UnavailableLevels();
-  // Further lines of the simulator's log.
-  ExpectedRun& SimLog(const std::string& lines);
+  // A "ReportStatus" line: its wait, then the state report.
+  ExpectedRun& ReportStatus(int linenum, const std::string& raised);
+  // A "ReportLevels" line: its wait, the supply report, the state report.
+  ExpectedRun& ReportLevels(int linenum, const std::string& level,
+                            const std::string& sheet_name,
+                            const std::string& raised);
 
   int status = 0;       // the filter's exit status
   std::string err;      // its stderr

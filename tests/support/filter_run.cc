@@ -95,6 +95,11 @@ FilterResult RunCommands(const std::string& commands,
   return RunFilter(call);
 }
 
+FilterResult RunCommands(const std::string& commands,
+                         const SimPrinter& printer) {
+  return RunCommands(commands, printer.SimOptions());
+}
+
 FilterResult RunFilterWithBackend(const std::string& device_uri,
                                   const FilterCall& call) {
   std::string dir = MakeTempDir("quillaroth-run-");

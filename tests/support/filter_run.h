@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/sim_printer.h"
 #include "tests/support/subprocess.h"
 
 struct FilterCall {
@@ -46,6 +47,10 @@ FilterResult RunFilter(const FilterCall& call);
 // by the simulator options.
 FilterResult RunCommands(const std::string& commands,
                          const std::vector<std::string>& sim_options = {});
+
+// Runs the filter on these commands beside the printer.
+FilterResult RunCommands(const std::string& commands,
+                         const SimPrinter& printer);
 
 // Runs the filter in front of the simulated printer's CUPS backend, wired
 // as cupsd wires them: the filter's stdout into the backend's stdin, the

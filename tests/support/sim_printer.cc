@@ -77,7 +77,7 @@ std::string SimPrinter::DeviceUri(const std::string& queue) const {
   return uri;
 }
 
-bool SimPrinter::AsleepAt(int query) const {
+bool SimPrinter::IsAsleepAt(int query) const {
   return wake_after == kNeverWakes || query <= wake_after ||
          std::find(asleep_at.begin(), asleep_at.end(), query) !=
              asleep_at.end();
@@ -101,7 +101,7 @@ std::string SimPrinter::SimAnswerLines(int query) const {
   if (query == close_back_at)
     return "sim: no reply to printer information\nsim: back channel closed\n";
   if (query == fail_at) return "sim: no reply to printer information\n";
-  return SimReplyLine(AsleepAt(query));
+  return SimReplyLine(IsAsleepAt(query));
 }
 
 std::string SimPrinter::Reply(bool asleep) const {

@@ -38,6 +38,65 @@ struct SimPrinter {
   int close_back_at = 0;       // the query at which the back channel is
                                // closed instead of answered (0: never)
 
+  // The same printer with one field changed, for chains such as
+  // SimPrinter().Error(0x060202).Remaining(0).
+  SimPrinter& Power(uint8_t value) {
+    power = value;
+    return *this;
+  }
+  SimPrinter& Memory(uint8_t value) {
+    memory = value;
+    return *this;
+  }
+  SimPrinter& Mech(uint16_t value) {
+    mech = value;
+    return *this;
+  }
+  SimPrinter& Error(uint32_t value) {
+    error = value;
+    return *this;
+  }
+  SimPrinter& Sheet(uint16_t value) {
+    sheet = value;
+    return *this;
+  }
+  SimPrinter& Total(uint16_t value) {
+    total = value;
+    return *this;
+  }
+  SimPrinter& Remaining(uint16_t value) {
+    remaining = value;
+    return *this;
+  }
+  SimPrinter& Fill(uint8_t value) {
+    fill = value;
+    return *this;
+  }
+  SimPrinter& Size(size_t value) {
+    size = value;
+    return *this;
+  }
+  SimPrinter& Split(std::vector<size_t> value) {
+    split = value;
+    return *this;
+  }
+  SimPrinter& WakeAfter(int value) {
+    wake_after = value;
+    return *this;
+  }
+  SimPrinter& AsleepAt(std::vector<int> value) {
+    asleep_at = value;
+    return *this;
+  }
+  SimPrinter& FailAt(int value) {
+    fail_at = value;
+    return *this;
+  }
+  SimPrinter& CloseBackAt(int value) {
+    close_back_at = value;
+    return *this;
+  }
+
   // The quillaroth-sim options that make this printer.
   std::vector<std::string> SimOptions() const;
   // The quillarothsim device URI of a queue for this printer (counts,
@@ -45,7 +104,7 @@ struct SimPrinter {
   std::string DeviceUri(const std::string& queue) const;
 
   // True when the Nth query (counted from 1 over the run) finds it asleep.
-  bool AsleepAt(int query) const;
+  bool IsAsleepAt(int query) const;
   // True when the filter receives a whole reply to the Nth query.
   bool Answers(int query) const;
   // What the filter's read returns for a query that it does not answer:
