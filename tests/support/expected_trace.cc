@@ -39,6 +39,28 @@ const char kSheetPvR31aGx[] = "PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)";
 const char kSheetPvR32a[] = "PV-R32A 15x20(6x8\xe2\x80\xb3)";
 const char kSheetPvR32aGx[] = "PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)";
 
+namespace {
+
+// The CUPS name of a side-channel status; "UNKNOWN" outside 0 to 7.
+std::string StatusName(int status) {
+  static const char* const kNames[] = {
+      "CUPS_SC_STATUS_NONE",        "CUPS_SC_STATUS_OK",
+      "CUPS_SC_STATUS_IO_ERROR",    "CUPS_SC_STATUS_TIMEOUT",
+      "CUPS_SC_STATUS_NO_RESPONSE", "CUPS_SC_STATUS_BAD_MESSAGE",
+      "CUPS_SC_STATUS_TOO_BIG",     "CUPS_SC_STATUS_NOT_IMPLEMENTED"};
+  if (status < 0 || status > 7) return "UNKNOWN";
+  return kNames[status];
+}
+
+// The line of a failed drain (nothing for CUPS_SC_STATUS_OK).
+std::string DrainLine(int status) {
+  if (status == CUPS_SC_STATUS_OK) return "";
+  return "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=" + StatusName(status) + "(" +
+         std::to_string(status) + ")\n";
+}
+
+}  // namespace
+
 std::string HexDump(const std::string& label, const std::string& bytes) {
   std::string text = "DEBUG: " + label + " size=" + std::to_string(bytes.size());
   char piece[32];
@@ -55,26 +77,10 @@ std::string HexDump(const std::string& label, const std::string& bytes) {
   return text + "\n";
 }
 
-std::string StatusName(int status) {
-  static const char* const kNames[] = {
-      "CUPS_SC_STATUS_NONE",        "CUPS_SC_STATUS_OK",
-      "CUPS_SC_STATUS_IO_ERROR",    "CUPS_SC_STATUS_TIMEOUT",
-      "CUPS_SC_STATUS_NO_RESPONSE", "CUPS_SC_STATUS_BAD_MESSAGE",
-      "CUPS_SC_STATUS_TOO_BIG",     "CUPS_SC_STATUS_NOT_IMPLEMENTED"};
-  if (status < 0 || status > 7) return "UNKNOWN";
-  return kNames[status];
-}
-
 std::string ProbeFailureLine(int status) {
   return "DEBUG: Unable to retrieve supply status from printer - "
          "nobidirectional I/O available! " +
          StatusName(status) + "(" + std::to_string(status) + ")\n";
-}
-
-std::string DrainLine(int status) {
-  if (status == CUPS_SC_STATUS_OK) return "";
-  return "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=" + StatusName(status) + "(" +
-         std::to_string(status) + ")\n";
 }
 
 std::string WakeUpLines(int drain_status) {
@@ -126,11 +132,6 @@ std::string InfoLine(const PrinterInfo& info) {
 std::string RetryLine(const std::string& word, unsigned count) {
   return "DEBUG: #retry_status=[wake_up=" + word + "(" +
          std::to_string(count) + "/60)]\n";
-}
-
-std::string FailedWaitLines(const std::string& failure_line) {
-  return kRetryStartLine + InfoFailureLines(failure_line) +
-         kUnavailableInfoLine + kRetryEndLine;
 }
 
 std::string StateLines(const std::string& raised) {

@@ -47,14 +47,12 @@ extern const char kSheetPvR32aGx[];  // 8f 10: "PV-R32A(GX) 15x20(6x8″)"
 // "DEBUG: <label> 0000: 1b 56 ...".
 std::string HexDump(const std::string& label, const std::string& bytes);
 
-// The CUPS name of a side-channel status; "UNKNOWN" outside 0 to 7.
-std::string StatusName(int status);
-// The "nobidirectional" line of a failed probe.
+// The "nobidirectional" line of a failed probe with the side-channel
+// status (its CUPS name; "UNKNOWN" outside 0 to 7).
 std::string ProbeFailureLine(int status);
-// The line of a failed drain (nothing for CUPS_SC_STATUS_OK).
-std::string DrainLine(int status);
 
-// A whole wake-up transaction whose drain got the status.
+// A whole wake-up transaction whose drain got the status (a failed drain
+// is logged with the status's name).
 std::string WakeUpLines(int drain_status = CUPS_SC_STATUS_OK);
 // A wake-up transaction that ends with the failure line (the command could
 // not be written or flushed).
@@ -82,9 +80,6 @@ extern const char kUnavailableInfoLine[];
 std::string InfoLine(const PrinterInfo& info);
 // "DEBUG: #retry_status=[wake_up=<word>(<count>/60)]".
 std::string RetryLine(const std::string& word, unsigned count);
-// A wait whose only query got no record: the failure lines, the
-// unavailable record, and the end of the wait.
-std::string FailedWaitLines(const std::string& failure_line);
 
 // The state report raising "com.quillaroth-error<raised>" (empty: raise
 // nothing), then withdrawing every other known keyword in order.
