@@ -40,62 +40,20 @@ struct SimPrinter {
 
   // The same printer with one field changed, for chains such as
   // SimPrinter().Error(0x060202).Remaining(0).
-  SimPrinter& Power(uint8_t value) {
-    power = value;
-    return *this;
-  }
-  SimPrinter& Memory(uint8_t value) {
-    memory = value;
-    return *this;
-  }
-  SimPrinter& Mech(uint16_t value) {
-    mech = value;
-    return *this;
-  }
-  SimPrinter& Error(uint32_t value) {
-    error = value;
-    return *this;
-  }
-  SimPrinter& Sheet(uint16_t value) {
-    sheet = value;
-    return *this;
-  }
-  SimPrinter& Total(uint16_t value) {
-    total = value;
-    return *this;
-  }
-  SimPrinter& Remaining(uint16_t value) {
-    remaining = value;
-    return *this;
-  }
-  SimPrinter& Fill(uint8_t value) {
-    fill = value;
-    return *this;
-  }
-  SimPrinter& Size(size_t value) {
-    size = value;
-    return *this;
-  }
-  SimPrinter& Split(std::vector<size_t> value) {
-    split = value;
-    return *this;
-  }
-  SimPrinter& WakeAfter(int value) {
-    wake_after = value;
-    return *this;
-  }
-  SimPrinter& AsleepAt(std::vector<int> value) {
-    asleep_at = value;
-    return *this;
-  }
-  SimPrinter& FailAt(int value) {
-    fail_at = value;
-    return *this;
-  }
-  SimPrinter& CloseBackAt(int value) {
-    close_back_at = value;
-    return *this;
-  }
+  SimPrinter& Power(uint8_t v) { power = v; return *this; }
+  SimPrinter& Memory(uint8_t v) { memory = v; return *this; }
+  SimPrinter& Mech(uint16_t v) { mech = v; return *this; }
+  SimPrinter& Error(uint32_t v) { error = v; return *this; }
+  SimPrinter& Sheet(uint16_t v) { sheet = v; return *this; }
+  SimPrinter& Total(uint16_t v) { total = v; return *this; }
+  SimPrinter& Remaining(uint16_t v) { remaining = v; return *this; }
+  SimPrinter& Fill(uint8_t v) { fill = v; return *this; }
+  SimPrinter& Size(size_t v) { size = v; return *this; }
+  SimPrinter& Split(std::vector<size_t> v) { split = v; return *this; }
+  SimPrinter& WakeAfter(int v) { wake_after = v; return *this; }
+  SimPrinter& AsleepAt(std::vector<int> v) { asleep_at = v; return *this; }
+  SimPrinter& FailAt(int v) { fail_at = v; return *this; }
+  SimPrinter& CloseBackAt(int v) { close_back_at = v; return *this; }
 
   // The quillaroth-sim options that make this printer.
   std::vector<std::string> SimOptions() const;
