@@ -238,14 +238,14 @@ void PrivateCupsd::Launch() {
   int null_fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
   int out_fd = open((root_ + "/log/cupsd.out").c_str(),
                     O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-  ProcessSpec spec;
-  spec.argv = {cupsd_, "-f", "-c", root_ + "/etc/cupsd.conf", "-s",
+  ProcessSetup setup;
+  setup.argv = {cupsd_, "-f", "-c", root_ + "/etc/cupsd.conf", "-s",
                root_ + "/etc/cups-files.conf"};
-  spec.fds = {{0, null_fd}, {1, out_fd}, {2, out_fd}};
-  spec.env = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C"};
-  spec.clean_env = true;
-  spec.end_with_parent = true;
-  cupsd_process_ = std::make_unique<Subprocess>(spec);
+  setup.fds = {{0, null_fd}, {1, out_fd}, {2, out_fd}};
+  setup.env = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C"};
+  setup.clean_env = true;
+  setup.end_with_parent = true;
+  cupsd_process_ = std::make_unique<Subprocess>(setup);
   close(null_fd);
   close(out_fd);
 }

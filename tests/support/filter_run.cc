@@ -59,7 +59,7 @@ std::vector<std::string> FilterWords(const std::string& dir,
 FilterResult RunFilter(const FilterCall& call) {
   std::string dir = MakeTempDir("quillaroth-run-");
   WriteFile(dir + "/stdin", call.stdin_text);
-  ProcessSpec sim;
+  ProcessSetup sim;
   sim.argv = {BuiltTools().sim, "--log", dir + "/sim.log", "--stdout-file",
               dir + "/stdout"};
   sim.argv.insert(sim.argv.end(), call.sim_options.begin(),
@@ -116,12 +116,12 @@ FilterResult RunFilterWithBackend(const std::string& device_uri,
   int backend_err =
       OpenOrDie(dir + "/backend.err", O_WRONLY | O_CREAT | O_TRUNC);
 
-  ProcessSpec filter;
+  ProcessSetup filter;
   filter.argv = FilterWords(dir, call);
   filter.fds = {{0, in}, {1, data[1]}, {2, filter_err}, {3, back[0]},
                 {4, side[0]}};
   filter.env = FakeSleepEnv(dir, call.preload);
-  ProcessSpec backend;
+  ProcessSetup backend;
   backend.argv = {BuiltTools().backend, "1", "user", "title", "1", ""};
   backend.fds = {{0, data[0]}, {1, null}, {2, backend_err}, {3, back[1]},
                  {4, side[1]}};

@@ -37,8 +37,8 @@ HostileBackend::HostileBackend(const std::string& text,
   int out_w = Lift(out_pipe[1]);
   stdout_ = Lift(out_pipe[0]);
 
-  ProcessSpec spec;
-  spec.fds = {{0, in_fd}, {1, out_w}, {2, err_fd_}};
+  ProcessSetup setup;
+  setup.fds = {{0, in_fd}, {1, out_w}, {2, err_fd_}};
   int back_r = -1;
   if (options.back_channel) {
     int back_pipe[2];
@@ -46,7 +46,7 @@ HostileBackend::HostileBackend(const std::string& text,
     back_r = Lift(back_pipe[0]);
     back_ = Lift(back_pipe[1]);
     back_peek_ = fcntl(back_r, F_DUPFD_CLOEXEC, 10);
-    spec.fds.push_back({3, back_r});
+    setup.fds.push_back({3, back_r});
   }
   int side_theirs = -1;
   if (options.side_channel) {
@@ -54,18 +54,18 @@ HostileBackend::HostileBackend(const std::string& text,
     if (socketpair(AF_LOCAL, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0) abort();
     side_ = Lift(pair[0]);
     side_theirs = Lift(pair[1]);
-    spec.fds.push_back({4, side_theirs});
+    setup.fds.push_back({4, side_theirs});
   }
 
   const ToolPaths& tools = BuiltTools();
-  spec.argv = FilterCommand(options.uid >= 0 ? ReachableCopy(tools.filter)
+  setup.argv = FilterCommand(options.uid >= 0 ? ReachableCopy(tools.filter)
                                              : tools.filter);
   for (const char* word : {"1", "user", "title", "1", ""})
-    spec.argv.push_back(word);
-  if (!options.command_file.empty()) spec.argv.push_back(options.command_file);
-  spec.env = {"LD_PRELOAD=" + PreloadValue({tools.fake_sleep})};
-  spec.uid = options.uid;
-  filter_ = std::make_unique<Subprocess>(spec);
+    setup.argv.push_back(word);
+  if (!options.command_file.empty()) setup.argv.push_back(options.command_file);
+  setup.env = {"LD_PRELOAD=" + PreloadValue({tools.fake_sleep})};
+  setup.uid = options.uid;
+  filter_ = std::make_unique<Subprocess>(setup);
 
   close(in_fd);
   close(out_w);

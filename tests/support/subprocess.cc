@@ -38,20 +38,20 @@ std::string EnvName(const std::string& entry) {
   return entry.substr(0, entry.find('='));
 }
 
-// Our environment (unless clean) with the spec's entries laid over it.
-std::vector<std::string> ChildEnvironment(const ProcessSpec& spec) {
+// Our environment (unless clean) with the setup's entries laid over it.
+std::vector<std::string> ChildEnvironment(const ProcessSetup& setup) {
   std::vector<std::string> env;
-  if (!spec.clean_env) {
+  if (!setup.clean_env) {
     for (char** e = environ; *e != nullptr; e++) {
       std::string entry = *e;
       bool replaced = std::any_of(
-          spec.env.begin(), spec.env.end(), [&](const std::string& mine) {
+          setup.env.begin(), setup.env.end(), [&](const std::string& mine) {
             return EnvName(mine) == EnvName(entry);
           });
       if (!replaced) env.push_back(entry);
     }
   }
-  env.insert(env.end(), spec.env.begin(), spec.env.end());
+  env.insert(env.end(), setup.env.begin(), setup.env.end());
   return env;
 }
 
@@ -109,23 +109,23 @@ std::string FindProgram(const std::string& name) {
   }
 }
 
-Subprocess::Subprocess(const ProcessSpec& spec) {
+Subprocess::Subprocess(const ProcessSetup& setup) {
   // Everything the child needs is made before fork(): the child only moves
   // descriptors, changes user and execs.
-  std::vector<std::string> args = spec.argv;
+  std::vector<std::string> args = setup.argv;
   std::string program = args.empty() ? "" : FindProgram(args[0]);
   if (program.empty() && !args.empty()) program = args[0];
   std::vector<char*> argv = CStrings(args);
-  std::vector<std::string> env = ChildEnvironment(spec);
+  std::vector<std::string> env = ChildEnvironment(setup);
   std::vector<char*> envp = CStrings(env);
   std::string failure = "subprocess: cannot run " + program + ": ";
   gid_t gid = 0;
-  if (spec.uid >= 0) {
-    struct passwd* user = getpwuid(static_cast<uid_t>(spec.uid));
-    gid = user != nullptr ? user->pw_gid : static_cast<gid_t>(spec.uid);
+  if (setup.uid >= 0) {
+    struct passwd* user = getpwuid(static_cast<uid_t>(setup.uid));
+    gid = user != nullptr ? user->pw_gid : static_cast<gid_t>(setup.uid);
   }
   int highest = 2;
-  for (const FdWiring& w : spec.fds) highest = std::max(highest, w.target);
+  for (const FdWiring& w : setup.fds) highest = std::max(highest, w.target);
   pid_t parent = getpid();
 
   start_ = Now();
@@ -135,27 +135,27 @@ Subprocess::Subprocess(const ProcessSpec& spec) {
     abort();
   }
   if (pid_ == 0) {
-    if (spec.end_with_parent) {
+    if (setup.end_with_parent) {
       prctl(PR_SET_PDEATHSIG, SIGTERM);
       if (getppid() != parent) _exit(1);
     }
     // Lift every source out of the way before any target is overwritten.
     std::vector<int> lifted;
-    for (const FdWiring& w : spec.fds)
+    for (const FdWiring& w : setup.fds)
       lifted.push_back(fcntl(w.source, F_DUPFD, highest + 1));
-    for (size_t i = 0; i < spec.fds.size(); i++)
-      if (lifted[i] < 0 || dup2(lifted[i], spec.fds[i].target) < 0) _exit(126);
+    for (size_t i = 0; i < setup.fds.size(); i++)
+      if (lifted[i] < 0 || dup2(lifted[i], setup.fds[i].target) < 0) _exit(126);
     for (int fd = 0; fd <= highest; fd++) {
-      bool wired = std::any_of(spec.fds.begin(), spec.fds.end(),
+      bool wired = std::any_of(setup.fds.begin(), setup.fds.end(),
                                [fd](const FdWiring& w) { return w.target == fd; });
       if (!wired) close(fd);
     }
     syscall(SYS_close_range, static_cast<unsigned>(highest) + 1, ~0U, 0U);
-    if (spec.uid >= 0 &&
+    if (setup.uid >= 0 &&
         (setgroups(0, nullptr) != 0 || setgid(gid) != 0 ||
-         setuid(static_cast<uid_t>(spec.uid)) != 0)) {
+         setuid(static_cast<uid_t>(setup.uid)) != 0)) {
       WriteAll(2, failure + "cannot switch to user " +
-                      std::to_string(spec.uid) + ": " + strerror(errno) + "\n");
+                      std::to_string(setup.uid) + ": " + strerror(errno) + "\n");
       _exit(126);
     }
     execve(program.c_str(), argv.data(), envp.data());
@@ -247,11 +247,11 @@ ProgramResult RunProgram(const std::vector<std::string>& argv,
     perror("RunProgram");
     abort();
   }
-  ProcessSpec spec;
-  spec.argv = argv;
-  spec.fds = {{0, in}, {1, out[1]}, {2, err[1]}};
-  spec.env = env;
-  Subprocess child(spec);
+  ProcessSetup setup;
+  setup.argv = argv;
+  setup.fds = {{0, in}, {1, out[1]}, {2, err[1]}};
+  setup.env = env;
+  Subprocess child(setup);
   close(in);
   close(out[1]);
   close(err[1]);

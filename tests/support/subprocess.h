@@ -37,7 +37,7 @@ struct ExitStatus {
 };
 
 // What to start, and how.
-struct ProcessSpec {
+struct ProcessSetup {
   // The program and its arguments; a program name without "/" is looked
   // up in $PATH.
   std::vector<std::string> argv;
@@ -56,7 +56,7 @@ struct ProcessSpec {
 class Subprocess {
  public:
   // Starts the program; the test program ends (abort) if it cannot fork.
-  explicit Subprocess(const ProcessSpec& spec);
+  explicit Subprocess(const ProcessSetup& setup);
   // Kills the child if it still runs, and reaps it.
   ~Subprocess();
 
