@@ -35,7 +35,8 @@ class PrivateCupsd {
   // Why no private scheduler can run here ("" when one can): it needs root.
   static std::string WhyNotHere();
 
-  // Checks that cupsd is installed, then makes the tree's empty root folder (no CUPS call yet, so that the caller can point
+  // Checks that we are root and that cupsd is installed, then makes the
+  // tree's empty root folder (no CUPS call yet, so that the caller can point
   // HOME and the client's configuration into it before libcups reads them).
   // Returns false with a reason in *error.
   bool MakeRoot(std::string* error);

@@ -63,10 +63,9 @@ std::vector<std::string> WrapperWords() {
 }  // namespace
 
 const ToolPaths& BuiltTools() {
-  static const ToolPaths tools = {QUILLAROTH_FILTER_PATH, QUILLAROTH_SIM_PATH,
-                                  QUILLAROTH_BACKEND_PATH,
-                                  QUILLAROTH_FAKE_SLEEP_PATH,
-                                  QUILLAROTH_SHORT_FWRITE_PATH};
+  static const ToolPaths tools = {
+      QUILLAROTH_FILTER_PATH, QUILLAROTH_SIM_PATH, QUILLAROTH_BACKEND_PATH,
+      QUILLAROTH_FAKE_SLEEP_PATH, QUILLAROTH_SHORT_FWRITE_PATH};
   return tools;
 }
 

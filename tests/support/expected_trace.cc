@@ -62,7 +62,8 @@ std::string DrainLine(int status) {
 }  // namespace
 
 std::string HexDump(const std::string& label, const std::string& bytes) {
-  std::string text = "DEBUG: " + label + " size=" + std::to_string(bytes.size());
+  std::string text =
+      "DEBUG: " + label + " size=" + std::to_string(bytes.size());
   char piece[32];
   for (size_t i = 0; i < bytes.size(); i++) {
     if (i % 16 == 0) {
@@ -130,8 +131,8 @@ std::string InfoLine(const PrinterInfo& info) {
 }
 
 std::string RetryLine(const std::string& word, unsigned count) {
-  return "DEBUG: #retry_status=[wake_up=" + word + "(" +
-         std::to_string(count) + "/60)]\n";
+  return "DEBUG: #retry_status=[wake_up=" + word + "(" + std::to_string(count) +
+         "/60)]\n";
 }
 
 std::string StateLines(const std::string& raised) {
@@ -150,9 +151,8 @@ std::string UndefinedErrorLine(const std::string& code) {
 std::string LevelsLines(const std::string& debug, const std::string& level,
                         const std::string& message, const std::string& names) {
   return "DEBUG: [ReportLevels] " + debug + "\n" +
-         "ATTR: marker-colors=#00FF00\n" +
-         "ATTR: marker-levels=" + level + "\n" +
-         "ATTR: marker-message=\"" + message + "\"\n" +
+         "ATTR: marker-colors=#00FF00\n" + "ATTR: marker-levels=" + level +
+         "\n" + "ATTR: marker-message=\"" + message + "\"\n" +
          "ATTR: marker-names=\"" + names + "\"\n" +
          "ATTR: marker-types=ink-ribbon\n";
 }

@@ -81,10 +81,9 @@ bool CopyFile(const std::string& from, const std::string& to, mode_t mode) {
 
 std::string MakeTempDir(const std::string& prefix) {
   const char* base = getenv("TMPDIR");
-  std::string pattern = std::string(base != nullptr && base[0] == '/'
-                                        ? base
-                                        : "/tmp") +
-                        "/" + prefix + "XXXXXX";
+  std::string pattern =
+      std::string(base != nullptr && base[0] == '/' ? base : "/tmp") + "/" +
+      prefix + "XXXXXX";
   std::vector<char> buffer(pattern.begin(), pattern.end());
   buffer.push_back('\0');
   if (mkdtemp(buffer.data()) == nullptr) {

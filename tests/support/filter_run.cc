@@ -118,20 +118,20 @@ FilterResult RunFilterWithBackend(const std::string& device_uri,
 
   ProcessSetup filter;
   filter.argv = FilterWords(dir, call);
-  filter.fds = {{0, in}, {1, data[1]}, {2, filter_err}, {3, back[0]},
-                {4, side[0]}};
+  filter.fds = {
+      {0, in}, {1, data[1]}, {2, filter_err}, {3, back[0]}, {4, side[0]}};
   filter.env = FakeSleepEnv(dir, call.preload);
   ProcessSetup backend;
   backend.argv = {BuiltTools().backend, "1", "user", "title", "1", ""};
-  backend.fds = {{0, data[0]}, {1, null}, {2, backend_err}, {3, back[1]},
-                 {4, side[1]}};
+  backend.fds = {
+      {0, data[0]}, {1, null}, {2, backend_err}, {3, back[1]}, {4, side[1]}};
   backend.env = {"DEVICE_URI=" + device_uri};
 
   FilterResult result;
   Subprocess filter_child(filter);
   Subprocess backend_child(backend);
-  for (int fd : {data[0], data[1], back[0], back[1], side[0], side[1], in,
-                 null, filter_err, backend_err})
+  for (int fd : {data[0], data[1], back[0], back[1], side[0], side[1], in, null,
+                 filter_err, backend_err})
     close(fd);
   ExitStatus filter_status = filter_child.Wait(kRunLimitSeconds);
   ExitStatus backend_status = backend_child.Wait(kRunLimitSeconds);

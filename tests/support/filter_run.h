@@ -31,12 +31,12 @@ struct FilterCall {
 };
 
 struct FilterResult {
-  int status = -1;      // exit status (128 + signal when killed)
-  std::string err;      // the filter's whole stderr
-  std::string out;      // the bytes on the filter's stdout
-  std::string sim_log;  // the simulator's log (the backend's stderr)
-  std::string sleeps;   // "sleep 1\n", "usleep 500000\n", ... in call order
-  double seconds = 0;   // wall-clock time of the run
+  int status = -1;          // exit status (128 + signal when killed)
+  std::string err;          // the filter's whole stderr
+  std::string out;          // the bytes on the filter's stdout
+  std::string sim_log;      // the simulator's log (the backend's stderr)
+  std::string sleeps;       // "sleep 1\n", "usleep 500000\n", ... in call order
+  double seconds = 0;       // wall-clock time of the run
   int backend_status = -1;  // the backend's exit status, when one ran
 };
 

@@ -59,7 +59,7 @@ HostileBackend::HostileBackend(const std::string& text,
 
   const ToolPaths& tools = BuiltTools();
   setup.argv = FilterCommand(options.uid >= 0 ? ReachableCopy(tools.filter)
-                                             : tools.filter);
+                                              : tools.filter);
   for (const char* word : {"1", "user", "title", "1", ""})
     setup.argv.push_back(word);
   if (!options.command_file.empty()) setup.argv.push_back(options.command_file);

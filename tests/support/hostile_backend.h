@@ -28,9 +28,9 @@
 
 // How the filter's run ended, and what it wrote.
 struct ExitInfo {
-  ExitStatus exit;   // how it ended, and when
-  std::string err;   // everything written to stderr
-  std::string out;   // everything written to stdout
+  ExitStatus exit;  // how it ended, and when
+  std::string err;  // everything written to stderr
+  std::string out;  // everything written to stdout
 };
 
 // What ReadRequest() saw instead of a request.
@@ -39,11 +39,11 @@ constexpr int kRequestTimeout = -2;  // nothing came in time
 constexpr int kRequestExited = -3;   // the filter has ended
 
 struct HostileOptions {
-  bool back_channel = true;   // give the filter fd 3
-  bool side_channel = true;   // give the filter fd 4
-  std::string command_file;   // passed as the sixth argument when not empty
-  int uid = -1;               // run the filter as this user (when >= 0),
-                              // from a copy that the user can reach
+  bool back_channel = true;  // give the filter fd 3
+  bool side_channel = true;  // give the filter fd 4
+  std::string command_file;  // passed as the sixth argument when not empty
+  int uid = -1;              // run the filter as this user (when >= 0),
+                             // from a copy that the user can reach
 };
 
 class HostileBackend {
@@ -82,12 +82,12 @@ class HostileBackend {
 
  private:
   std::unique_ptr<Subprocess> filter_;
-  int side_ = -1;        // our end of the side channel
-  int back_ = -1;        // write end of the back channel
-  int back_peek_ = -1;   // a kept read end, to see what is unread
-  int stdout_ = -1;      // read end of the filter's stdout
-  int err_fd_ = -1;      // the filter's stderr file
-  std::string out_;      // stdout bytes taken so far
+  int side_ = -1;       // our end of the side channel
+  int back_ = -1;       // write end of the back channel
+  int back_peek_ = -1;  // a kept read end, to see what is unread
+  int stdout_ = -1;     // read end of the filter's stdout
+  int err_fd_ = -1;     // the filter's stderr file
+  std::string out_;     // stdout bytes taken so far
 };
 
 #endif  // QUILLAROTH_TESTS_SUPPORT_HOSTILE_BACKEND_H_

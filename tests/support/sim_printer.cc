@@ -34,16 +34,15 @@ std::string HexBytes(uint32_t value, int width) {
 }  // namespace
 
 std::vector<std::string> SimPrinter::SimOptions() const {
-  std::vector<std::string> options = {
-      "--power",     Hex(power, 2),
-      "--memory",    Hex(memory, 2),
-      "--mech",      Hex(mech, 4),
-      "--error",     Hex(error, 6),
-      "--sheet",     Hex(sheet, 4),
-      "--total",     std::to_string(total),
-      "--remaining", std::to_string(remaining),
-      "--fill",      Hex(fill, 2),
-      "--size",      std::to_string(size)};
+  std::vector<std::string> options = {"--power",     Hex(power, 2),
+                                      "--memory",    Hex(memory, 2),
+                                      "--mech",      Hex(mech, 4),
+                                      "--error",     Hex(error, 6),
+                                      "--sheet",     Hex(sheet, 4),
+                                      "--total",     std::to_string(total),
+                                      "--remaining", std::to_string(remaining),
+                                      "--fill",      Hex(fill, 2),
+                                      "--size",      std::to_string(size)};
   if (!split.empty()) {
     std::string pieces;
     for (size_t piece : split)
@@ -108,7 +107,8 @@ std::string SimPrinter::Reply(bool asleep) const {
   std::string bytes(std::max<size_t>(size, 192), static_cast<char>(fill));
   auto put = [&bytes](size_t offset, uint32_t value, int width) {
     for (int i = 0; i < width; i++)
-      bytes[offset + i] = static_cast<char>((value >> (8 * (width - 1 - i))) & 0xff);
+      bytes[offset + i] =
+          static_cast<char>((value >> (8 * (width - 1 - i))) & 0xff);
   };
   put(4, memory, 1);
   put(5, asleep ? 0x01 : power, 1);
@@ -125,9 +125,8 @@ std::string SimPrinter::InfoLine(bool asleep) const {
   std::string error_info = remaining == 0 ? "0xfe,0xed,0x01"
                            : error == 0   ? "GOOD"
                                           : CodeText(error);
-  return "DEBUG: printer_info=[power_state=0x" +
-         Hex(asleep ? 0x01 : power, 2) + " mech_state=[0x" +
-         Hex(mech >> 8, 2) + ",0x" + Hex(mech & 0xff, 2) +
+  return "DEBUG: printer_info=[power_state=0x" + Hex(asleep ? 0x01 : power, 2) +
+         " mech_state=[0x" + Hex(mech >> 8, 2) + ",0x" + Hex(mech & 0xff, 2) +
          "] memory_state=0x" + Hex(memory, 2) + " error_info=[" + error_info +
          "] levels=[ink ribbon " + std::to_string(remaining) + " / " +
          std::to_string(total) + " ink_sheet_type=0x" + Hex(sheet >> 8, 2) +

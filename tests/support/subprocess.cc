@@ -44,10 +44,10 @@ std::vector<std::string> ChildEnvironment(const ProcessSetup& setup) {
   if (!setup.clean_env) {
     for (char** e = environ; *e != nullptr; e++) {
       std::string entry = *e;
-      bool replaced = std::any_of(
-          setup.env.begin(), setup.env.end(), [&](const std::string& mine) {
-            return EnvName(mine) == EnvName(entry);
-          });
+      bool replaced = std::any_of(setup.env.begin(), setup.env.end(),
+                                  [&](const std::string& mine) {
+                                    return EnvName(mine) == EnvName(entry);
+                                  });
       if (!replaced) env.push_back(entry);
     }
   }
@@ -99,9 +99,8 @@ std::string FindProgram(const std::string& name) {
   size_t start = 0;
   for (;;) {
     size_t colon = dirs.find(':', start);
-    std::string dir = dirs.substr(start, colon == std::string::npos
-                                             ? std::string::npos
-                                             : colon - start);
+    std::string dir = dirs.substr(
+        start, colon == std::string::npos ? std::string::npos : colon - start);
     std::string candidate = (dir.empty() ? "." : dir) + "/" + name;
     if (access(candidate.c_str(), X_OK) == 0) return candidate;
     if (colon == std::string::npos) return "";
@@ -146,16 +145,17 @@ Subprocess::Subprocess(const ProcessSetup& setup) {
     for (size_t i = 0; i < setup.fds.size(); i++)
       if (lifted[i] < 0 || dup2(lifted[i], setup.fds[i].target) < 0) _exit(126);
     for (int fd = 0; fd <= highest; fd++) {
-      bool wired = std::any_of(setup.fds.begin(), setup.fds.end(),
-                               [fd](const FdWiring& w) { return w.target == fd; });
+      bool wired =
+          std::any_of(setup.fds.begin(), setup.fds.end(),
+                      [fd](const FdWiring& w) { return w.target == fd; });
       if (!wired) close(fd);
     }
     syscall(SYS_close_range, static_cast<unsigned>(highest) + 1, ~0U, 0U);
-    if (setup.uid >= 0 &&
-        (setgroups(0, nullptr) != 0 || setgid(gid) != 0 ||
-         setuid(static_cast<uid_t>(setup.uid)) != 0)) {
+    if (setup.uid >= 0 && (setgroups(0, nullptr) != 0 || setgid(gid) != 0 ||
+                           setuid(static_cast<uid_t>(setup.uid)) != 0)) {
       WriteAll(2, failure + "cannot switch to user " +
-                      std::to_string(setup.uid) + ": " + strerror(errno) + "\n");
+                      std::to_string(setup.uid) + ": " + strerror(errno) +
+                      "\n");
       _exit(126);
     }
     execve(program.c_str(), argv.data(), envp.data());
@@ -231,14 +231,13 @@ ExitStatus Subprocess::Stop(double grace) {
 }
 
 std::string ProgramResult::Describe() const {
-  return "status=" + std::to_string(status) + " stdout=[" + out +
-         "] stderr=[" + err + "]";
+  return "status=" + std::to_string(status) + " stdout=[" + out + "] stderr=[" +
+         err + "]";
 }
 
 ProgramResult RunProgram(const std::vector<std::string>& argv,
                          const std::string& stdin_text,
-                         const std::vector<std::string>& env,
-                         double timeout) {
+                         const std::vector<std::string>& env, double timeout) {
   ProgramResult result;
   int in = stdin_text.empty() ? open("/dev/null", O_RDONLY | O_CLOEXEC)
                               : OpenTempFile(stdin_text);
