@@ -123,12 +123,8 @@ bool PrivateCupsd::MakeRoot(std::string* error) {
     return false;
   }
   if (root_.empty()) {
-    char templ[] = "/tmp/quillaroth-e2e.XXXXXX";
-    if (mkdtemp(templ) == nullptr) {
-      *error = std::string("mkdtemp: ") + strerror(errno);
-      return false;
-    }
-    root_ = templ;
+    // Under /tmp whatever $TMPDIR says: the lp user must reach it.
+    root_ = MakeTempDir("quillaroth-e2e.", "/tmp");
   }
   return true;
 }

@@ -19,13 +19,8 @@ std::vector<std::string> WrapperWords();
 
 const std::string& ReachableDir() {
   static const std::string dir = [] {
-    char pattern[] = "/tmp/quillaroth-tools-XXXXXX";
-    if (mkdtemp(pattern) == nullptr) {
-      perror(pattern);
-      abort();
-    }
-    chmod(pattern, 0755);
-    static std::string made = pattern;
+    static std::string made = MakeTempDir("quillaroth-tools-", "/tmp");
+    chmod(made.c_str(), 0755);
     atexit([] { RemoveTree(made); });
     return made;
   }();

@@ -79,11 +79,12 @@ bool CopyFile(const std::string& from, const std::string& to, mode_t mode) {
   return WriteFile(to, bytes, mode);
 }
 
-std::string MakeTempDir(const std::string& prefix) {
-  const char* base = getenv("TMPDIR");
-  std::string pattern =
-      std::string(base != nullptr && base[0] == '/' ? base : "/tmp") + "/" +
-      prefix + "XXXXXX";
+std::string MakeTempDir(const std::string& prefix, const std::string& base) {
+  const char* tmpdir = getenv("TMPDIR");
+  std::string folder = !base.empty()                           ? base
+                       : tmpdir != nullptr && tmpdir[0] == '/' ? tmpdir
+                                                               : "/tmp";
+  std::string pattern = folder + "/" + prefix + "XXXXXX";
   std::vector<char> buffer(pattern.begin(), pattern.end());
   buffer.push_back('\0');
   if (mkdtemp(buffer.data()) == nullptr) {

@@ -31,8 +31,10 @@ int OpenTempFile(const std::string& text = "");
 bool CopyFile(const std::string& from, const std::string& to, mode_t mode);
 
 // A fresh folder "<base>/<prefix>XXXXXX" of mode 0700, base being $TMPDIR
-// or /tmp; the test program ends (abort) when none can be made.
-std::string MakeTempDir(const std::string& prefix);
+// or /tmp unless given; the test program ends (abort) when none can be
+// made.
+std::string MakeTempDir(const std::string& prefix,
+                        const std::string& base = "");
 
 // Deletes a folder and everything below it; a missing one is fine.
 void RemoveTree(const std::string& path);
