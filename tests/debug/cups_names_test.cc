@@ -33,7 +33,9 @@ std::string Name(int value) {
   return name == nullptr ? std::string("(null)") : std::string(name);
 }
 
-TEST(CupsNamesTest, SideChannelStatusNames) {
+// The whole trace, written out: the readable example of this file.
+// The side-channel statuses, whose names the filter's log shows.
+TEST(CupsNamesTest, SideChannelStatusNamesGoldenText) {
   EXPECT_EQ("CUPS_SC_STATUS_NONE", Name<cups_sc_status_e>(0));
   EXPECT_EQ("CUPS_SC_STATUS_OK", Name<cups_sc_status_e>(1));
   EXPECT_EQ("CUPS_SC_STATUS_IO_ERROR", Name<cups_sc_status_e>(2));

@@ -80,7 +80,8 @@ TEST(DumpMemTest, FifteenAndSixteenBytesMakeOneLine) {
   }
 }
 
-TEST(DumpMemTest, SeventeenBytesMakeTwoLines) {
+// The whole trace, written out: the readable example of this file.
+TEST(DumpMemTest, SeventeenBytesMakeTwoLinesGoldenTrace) {
   const std::vector<unsigned char> bytes = Counting(17);
   EXPECT_EQ(
       "DEBUG: L size=17\n"

@@ -94,7 +94,9 @@ std::string HeaderText(const std::map<std::string, std::string>& values) {
   return text;
 }
 
-TEST(PageHeaderDumpTest, ZeroHeader) {
+// The whole trace, written out: the readable example of this file.
+// (ZeroHeaderText() above spells out the 43 lines.)
+TEST(PageHeaderDumpTest, ZeroHeaderGoldenTrace) {
   const std::string text = DumpText(ZeroHeader());
   EXPECT_EQ(ZeroHeaderText(), text);
   size_t lines = 0;

@@ -90,7 +90,7 @@ TEST_F(CleanPrinterStateTest, WithdrawsTheReasonThatAJobRaised) {
             CleanPrinterStateOutput());
 }
 
-TEST_F(CleanPrinterStateTest, WithdrawsTheSchedulersOwnReasonsToo) {
+TEST_F(CleanPrinterStateTest, WithdrawsTheSchedulersOwnReasonsGoldenTrace) {
   ASSERT_NO_FATAL_FAILURE(
       RaiseWithJob("cps_paused", 0x090202, "com.quillaroth-error0002"));
   ProgramResult cupsdisable = cupsd().DisableQueue("cps_paused");
@@ -100,9 +100,13 @@ TEST_F(CleanPrinterStateTest, WithdrawsTheSchedulersOwnReasonsToo) {
             cupsd().PrinterAttributes("cps_paused"));
   SetDefault("cps_paused");
 
-  EXPECT_EQ(Cleaned("STATE: -com.quillaroth-error0002\n"
-                    "STATE: -paused\n"),
-            CleanPrinterStateOutput());
+  // The whole trace, written out: the readable example of this file.
+  EXPECT_EQ(
+      "clean_printer_state() START\n"
+      "STATE: -com.quillaroth-error0002\n"
+      "STATE: -paused\n"
+      "clean_printer_state() END\n",
+      CleanPrinterStateOutput());
 }
 
 TEST_F(CleanPrinterStateTest, GoodQueueListsTheKeywordNone) {

@@ -67,10 +67,20 @@ class CommandJobTest : public CupsdTest {
   }
 };
 
-TEST_F(CommandJobTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
+// The whole trace, written out: the readable example of this file.  What
+// the queue shows after a "ReportLevels" job, read back over IPP: a good
+// printer with 123 of 500 prints left on a PV-R31A(GX) ribbon lists no
+// reason and publishes the ribbon's marker attributes.
+TEST_F(CommandJobTest, GoodPrinterGoldenAttributes) {
   SimPrinter printer = Printer(500, 123, 0x000000, 0x8410);
-  EXPECT_EQ(Shown("none", printer, "24", kSheetPvR31aGx),
-            AttributesAfterJob("good", printer, kReportLevels));
+  EXPECT_EQ(
+      "printer-state-reasons=none\n"
+      "marker-colors=#00FF00\n"
+      "marker-levels=24\n"
+      "marker-message=Ink Ribbon = 123 / 500\n"
+      "marker-names=InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\n"
+      "marker-types=ink-ribbon\n",
+      AttributesAfterJob("good", printer, kReportLevels));
 }
 
 TEST_F(CommandJobTest, PrinterErrorCodeRaisesItsReason) {

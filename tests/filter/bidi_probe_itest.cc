@@ -36,11 +36,36 @@ TEST(BidiProbe, OneWayReportStatusReportsTheUnavailableState) {
             RunCommands("ReportStatus\n", {"--oneway"}));
 }
 
-TEST(BidiProbe, OneWayReportLevelsReportsUnavailableLevelsOnly) {
-  ExpectRun(ExpectedRun::OneWay(CUPS_SC_STATUS_OK, "OK 00")
-                .Command("ReportLevels", 1)
-                .UnavailableLevels(),
-            RunCommands("ReportLevels\n", {"--oneway"}));
+// The whole trace, written out: the readable example of this file.
+// The backend answers the probe with OK and the byte 00: a one-way link, so
+// "ReportLevels" reports unavailable levels without asking the printer, and
+// leaves the state reasons alone.
+TEST(BidiProbe, OneWayReportLevelsGoldenTrace) {
+  FilterResult run = RunCommands("ReportLevels\n", {"--oneway"});
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(
+      "DEBUG: Unable to retrieve supply status from printer - nobidirectional "
+      "I/O available! CUPS_SC_STATUS_OK(1)\n"
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: wr_esc_wakeup() END\n"
+      "DEBUG: ====> command=[ReportLevels] linenum=1\n"
+      "DEBUG: [ReportLevels] UNAVAILABLE\n"
+      "ATTR: marker-colors=#00FF00\n"
+      "ATTR: marker-levels=-2\n"
+      "ATTR: marker-message=\" \"\n"
+      "ATTR: marker-names=\"InkSheetType: 00\"\n"
+      "ATTR: marker-types=ink-ribbon\n",
+      run.err);
+  EXPECT_EQ("\x1b\x45\x57\x55", run.out);
+  EXPECT_EQ("usleep 500000\n", run.sleeps);
+  EXPECT_EQ(
+      "sim: sc GET_BIDI -> OK 00\n"
+      "sim: cmd 1b 45 57 55\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: filter exited with status 0\n",
+      run.sim_log);
 }
 
 TEST(BidiProbe, OneWayLinkAnswersEveryLineWithoutAQuery) {

@@ -90,8 +90,18 @@ TEST_F(CommandFileOpenTest, SymbolicLinkLoop) {
 // A directory opens (open(2) allows O_RDONLY on one) but every read fails
 // with EISDIR, which libcups' reader reports as the end of the file: no
 // command line, status 0.
-TEST_F(CommandFileOpenTest, Directory) {
-  ExpectRun(dir_, 0, OneWayStart(), kWakeUpCommand);
+// The whole trace, written out: the readable example of this file.
+// Without a side channel the probe and the wake-up's drain time out at once.
+TEST_F(CommandFileOpenTest, DirectoryGoldenTrace) {
+  ExpectRun(dir_, 0,
+            "DEBUG: Unable to retrieve supply status from printer - "
+            "nobidirectional I/O available! CUPS_SC_STATUS_TIMEOUT(3)\n"
+            "DEBUG: wr_esc_wakeup() START\n"
+            "DEBUG: [CMD] size=4\n"
+            "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+            "DEBUG: CUPS_SC_CMD_DRAIN_OUTPUT=CUPS_SC_STATUS_TIMEOUT(3)\n"
+            "DEBUG: wr_esc_wakeup() END\n",
+            "\x1b\x45\x57\x55");
 }
 
 // A file that opens but whose first read fails (EIO: nothing is mapped at

@@ -54,10 +54,20 @@ TEST(CommandFileTest, CrLfAndBareCrEndLines) {
             RunLoop("ReportStatus\r\nReportLevels\rReportStatus\r\n"));
 }
 
-TEST(CommandFileTest, LastLineWithoutLineEnd) {
-  EXPECT_EQ(CommandLine("Other", 1) +
-                CommandLine("ReportLevels", 2) + Levels(),
-            RunLoop("Other\nReportLevels"));
+// The whole trace, written out: the readable example of this file.
+// The last line has no line end; the one-way loop reports unavailable
+// levels for it.
+TEST(CommandFileTest, LastLineWithoutLineEndGoldenTrace) {
+  EXPECT_EQ(
+      "DEBUG: ====> command=[Other] linenum=1\n"
+      "DEBUG: ====> command=[ReportLevels] linenum=2\n"
+      "DEBUG: [ReportLevels] UNAVAILABLE\n"
+      "ATTR: marker-colors=#00FF00\n"
+      "ATTR: marker-levels=-2\n"
+      "ATTR: marker-message=\" \"\n"
+      "ATTR: marker-names=\"InkSheetType: 00\"\n"
+      "ATTR: marker-types=ink-ribbon\n",
+      RunLoop("Other\nReportLevels"));
 }
 
 // A line of 3000 bytes is read as chunks of 1023, 1023 and 954 bytes, each

@@ -518,14 +518,18 @@ TEST(HostileBackendTest, SideChannelClosedMidRun) {
 
 // Nobody reads stdout before the wake-up: the flush fails (EPIPE, not a
 // SIGPIPE death) and the filter ends with 1 before reading any command.
-TEST(HostileBackendTest, StdoutReaderGoneBeforeWakeUp) {
+// The whole trace, written out: the readable example of this file.
+TEST(HostileBackendTest, StdoutReaderGoneBeforeWakeUpGoldenTrace) {
   auto backend = Start("ReportStatus\n");
   backend->CloseStdoutReader();
   Answer(*backend, CUPS_SC_CMD_GET_BIDI, BidiYes());
-  std::string err =
-      "DEBUG: wr_esc_wakeup() START\n" + HexDump("[CMD]", kWakeUpCommand) +
-      "DEBUG: fflush() failed.\n" + "DEBUG: wr_esc_wakeup() END\n";
-  ExpectRun(backend->Wait(kSlack), 1, err, "", kSlack);
+  ExpectRun(backend->Wait(kSlack), 1,
+            "DEBUG: wr_esc_wakeup() START\n"
+            "DEBUG: [CMD] size=4\n"
+            "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+            "DEBUG: fflush() failed.\n"
+            "DEBUG: wr_esc_wakeup() END\n",
+            "", kSlack);
 }
 
 // Nobody reads stdout after the wake-up: each query's flush fails, the

@@ -12,8 +12,7 @@
 
 namespace {
 
-// The golden case, spelled out line by line (the state report's lines
-// are spelled out in the report's own tests).
+// The whole trace, written out: the readable example of this file.
 TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
   FilterResult run = RunCommands("ReportLevels\n");
   EXPECT_EQ(0, run.status);
@@ -51,8 +50,26 @@ TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
       "ATTR: marker-levels=35\n"
       "ATTR: marker-message=\"Ink Ribbon = 123 / 350\"\n"
       "ATTR: marker-names=\"InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\"\n"
-      "ATTR: marker-types=ink-ribbon\n" +
-          StateLines(""),
+      "ATTR: marker-types=ink-ribbon\n"
+      "STATE: -com.quillaroth-error0001\n"
+      "STATE: -com.quillaroth-error0002\n"
+      "STATE: -com.quillaroth-error0003\n"
+      "STATE: -com.quillaroth-error0004\n"
+      "STATE: -com.quillaroth-error0005\n"
+      "STATE: -com.quillaroth-error0006\n"
+      "STATE: -com.quillaroth-error0007\n"
+      "STATE: -com.quillaroth-error0008\n"
+      "STATE: -com.quillaroth-error0009\n"
+      "STATE: -com.quillaroth-error0010\n"
+      "STATE: -com.quillaroth-error0011\n"
+      "STATE: -com.quillaroth-error0012\n"
+      "STATE: -com.quillaroth-error0013\n"
+      "STATE: -com.quillaroth-error0014\n"
+      "STATE: -com.quillaroth-error0018\n"
+      "STATE: -com.quillaroth-error0020\n"
+      "STATE: -com.quillaroth-error0021\n"
+      "STATE: -com.quillaroth-error0022\n"
+      "STATE: -com.quillaroth-error0023\n",
       run.err);
   EXPECT_EQ(std::string("\x1b\x45\x57\x55\x1b\x56\x32\x31", 8), run.out);
   EXPECT_EQ("usleep 500000\n", run.sleeps);

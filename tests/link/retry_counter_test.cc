@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
 
@@ -55,15 +56,24 @@ TEST(RetryCounterTest, FailuresCountUp) {
   EXPECT_FALSE(counter.isFulfilled());
 }
 
-TEST(RetryCounterTest, SuccessKeepsTheCount) {
+// The whole trace, written out: the readable example of this file.
+// The counter of a printer that wakes at the fourth query, read after each
+// test: a success keeps the count.
+TEST(RetryCounterTest, PrinterWakingAtTheFourthQueryGoldenText) {
   RetryCounter counter(60);
-  counter.Test(false);
-  counter.Test(false);
-  counter.Test(false);
-  counter.Test(true);
+  std::string text;
+  for (bool awake : {false, false, false, true}) {
+    counter.Test(awake);
+    text += counter.to_string() + "\n";
+  }
+  EXPECT_EQ(
+      "retrying(1/60)\n"
+      "retrying(2/60)\n"
+      "retrying(3/60)\n"
+      "fulfilled(3/60)\n",
+      text);
   EXPECT_TRUE(counter.isFulfilled());
   EXPECT_FALSE(counter.isExpired());
-  EXPECT_EQ("fulfilled(3/60)", counter.to_string());
 }
 
 TEST(RetryCounterTest, SuccessAtTheFirstTest) {

@@ -86,11 +86,47 @@ TEST(SimBackend, FilterReportsWhatTheUriScripts) {
       RunFilterWithBackend(printer.DeviceUri("shelf"), call));
 }
 
-TEST(SimBackend, OneWayUriMakesAOneWayLink) {
-  ExpectBackendRun(ExpectedRun::OneWay(CUPS_SC_STATUS_OK, "OK 00")
-                       .Command("ReportStatus", 1)
-                       .State("0023"),
-                   RunStatusBeside("quillarothsim://x?oneway=1"));
+// The whole trace, written out: the readable example of this file.
+// The URI makes the backend answer the probe with OK and the byte 00: the
+// filter reports the unavailable state without asking the printer.
+TEST(SimBackend, OneWayUriGoldenTrace) {
+  FilterResult run = RunStatusBeside("quillarothsim://x?oneway=1");
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(0, run.backend_status);
+  EXPECT_EQ(
+      "DEBUG: Unable to retrieve supply status from printer - nobidirectional "
+      "I/O available! CUPS_SC_STATUS_OK(1)\n"
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: wr_esc_wakeup() END\n"
+      "DEBUG: ====> command=[ReportStatus] linenum=1\n"
+      "STATE: +com.quillaroth-error0023\n"
+      "STATE: -com.quillaroth-error0001\n"
+      "STATE: -com.quillaroth-error0002\n"
+      "STATE: -com.quillaroth-error0003\n"
+      "STATE: -com.quillaroth-error0004\n"
+      "STATE: -com.quillaroth-error0005\n"
+      "STATE: -com.quillaroth-error0006\n"
+      "STATE: -com.quillaroth-error0007\n"
+      "STATE: -com.quillaroth-error0008\n"
+      "STATE: -com.quillaroth-error0009\n"
+      "STATE: -com.quillaroth-error0010\n"
+      "STATE: -com.quillaroth-error0011\n"
+      "STATE: -com.quillaroth-error0012\n"
+      "STATE: -com.quillaroth-error0013\n"
+      "STATE: -com.quillaroth-error0014\n"
+      "STATE: -com.quillaroth-error0018\n"
+      "STATE: -com.quillaroth-error0020\n"
+      "STATE: -com.quillaroth-error0021\n"
+      "STATE: -com.quillaroth-error0022\n",
+      run.err);
+  EXPECT_EQ("usleep 500000\n", run.sleeps);
+  EXPECT_EQ(
+      "DEBUG: sim: sc GET_BIDI -> OK 00\n"
+      "DEBUG: sim: cmd 1b 45 57 55\n"
+      "DEBUG: sim: sc DRAIN_OUTPUT -> OK\n",
+      run.sim_log);
 }
 
 TEST(SimBackend, SleepyPrinterWakesAfterTheScriptedQueries) {

@@ -159,10 +159,26 @@ TEST(PrinterTransaction, DrainWithABadStatusIsLoggedOnly) {
   EXPECT_EQ(kWakeUpPause, run.sleeps);
 }
 
-TEST(PrinterTransaction, WakeUpThatCannotBeFlushedEndsWithStatus1) {
-  ExpectRun(
-      WakeUpFailure("DEBUG: fflush() failed.\n", "sim: sc GET_BIDI -> OK 01\n"),
-      RunCommands("ReportStatus\nReportLevels\n", {"--stdout-devfull"}));
+// The whole trace, written out: the readable example of this file.
+// Standard output is /dev/full: the wake-up command cannot be flushed, and
+// the run ends with status 1 before it reads a command line.
+TEST(PrinterTransaction, WakeUpThatCannotBeFlushedGoldenTrace) {
+  FilterResult run =
+      RunCommands("ReportStatus\nReportLevels\n", {"--stdout-devfull"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ(
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: fflush() failed.\n"
+      "DEBUG: wr_esc_wakeup() END\n",
+      run.err);
+  EXPECT_EQ("", run.out);
+  EXPECT_EQ("", run.sleeps);
+  EXPECT_EQ(
+      "sim: sc GET_BIDI -> OK 01\n"
+      "sim: filter exited with status 1\n",
+      run.sim_log);
 }
 
 TEST(PrinterTransaction, WakeUpFailureOnAOneWayLinkEndsWithStatus1Too) {

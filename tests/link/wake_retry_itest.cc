@@ -50,11 +50,107 @@ TEST(WakeUpWait, EveryLineStartsTheCountAfresh) {
             RunCommands("ReportStatus\nReportStatus\n", printer));
 }
 
-TEST(WakeUpWait, AwakePrinterWithAnErrorIsReportedAfterTheWait) {
+// The whole trace, written out: the readable example of this file.  The
+// printer sleeps through the first query (power state 01), is awake at the
+// second, one second later, and reports the error code 0d 08 07.
+TEST(WakeUpWait, AwakePrinterWithAnErrorGoldenTrace) {
   SimPrinter printer = WakingAfter(1);
   printer.error = 0x0d0807;
-  ExpectRun(ExpectedRun(printer).ReportStatus(1, "0021"),
-            RunCommands("ReportStatus\n", printer));
+  FilterResult run = RunCommands("ReportStatus\n", printer);
+  EXPECT_EQ(0, run.status);
+  EXPECT_EQ(
+      "DEBUG: wr_esc_wakeup() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
+      "DEBUG: wr_esc_wakeup() END\n"
+      "DEBUG: ====> command=[ReportStatus] linenum=1\n"
+      "DEBUG: get_printer_info_retry() START\n"
+      "DEBUG: get_printer_info() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 56 32 31\n"
+      "DEBUG: [STS] size=192\n"
+      "DEBUG: [STS] 0000: 00 00 00 00 00 01 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0010: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0020: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0030: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0040: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0050: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0060: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0070: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0080: 00 00 00 0d 08 07 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0090: 00 84 10 00 01 5e 00 7b 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00a0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00b0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: get_printer_info() END\n"
+      "DEBUG: printer_info=[power_state=0x01 mech_state=[0x00,0x00] "
+      "memory_state=0x00 error_info=[0x0d,0x08,0x07] "
+      "levels=[ink ribbon 123 / 350 ink_sheet_type=0x84.0x10]]\n"
+      "DEBUG: #retry_status=[wake_up=retrying(1/60)]\n"
+      "DEBUG: get_printer_info() START\n"
+      "DEBUG: [CMD] size=4\n"
+      "DEBUG: [CMD] 0000: 1b 56 32 31\n"
+      "DEBUG: [STS] size=192\n"
+      "DEBUG: [STS] 0000: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0010: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0020: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0030: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0040: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0050: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0060: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0070: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0080: 00 00 00 0d 08 07 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 0090: 00 84 10 00 01 5e 00 7b 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00a0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: [STS] 00b0: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n"
+      "DEBUG: get_printer_info() END\n"
+      "DEBUG: printer_info=[power_state=0x00 mech_state=[0x00,0x00] "
+      "memory_state=0x00 error_info=[0x0d,0x08,0x07] "
+      "levels=[ink ribbon 123 / 350 ink_sheet_type=0x84.0x10]]\n"
+      "DEBUG: #retry_status=[wake_up=fulfilled(1/60)]\n"
+      "DEBUG: get_printer_info_retry() END\n"
+      "STATE: +com.quillaroth-error0021\n"
+      "STATE: -com.quillaroth-error0001\n"
+      "STATE: -com.quillaroth-error0002\n"
+      "STATE: -com.quillaroth-error0003\n"
+      "STATE: -com.quillaroth-error0004\n"
+      "STATE: -com.quillaroth-error0005\n"
+      "STATE: -com.quillaroth-error0006\n"
+      "STATE: -com.quillaroth-error0007\n"
+      "STATE: -com.quillaroth-error0008\n"
+      "STATE: -com.quillaroth-error0009\n"
+      "STATE: -com.quillaroth-error0010\n"
+      "STATE: -com.quillaroth-error0011\n"
+      "STATE: -com.quillaroth-error0012\n"
+      "STATE: -com.quillaroth-error0013\n"
+      "STATE: -com.quillaroth-error0014\n"
+      "STATE: -com.quillaroth-error0018\n"
+      "STATE: -com.quillaroth-error0020\n"
+      "STATE: -com.quillaroth-error0022\n"
+      "STATE: -com.quillaroth-error0023\n",
+      run.err);
+  EXPECT_EQ(
+      "\x1b\x45\x57\x55"
+      "\x1b\x56\x32\x31"
+      "\x1b\x56\x32\x31",
+      run.out);
+  EXPECT_EQ(
+      "usleep 500000\n"
+      "sleep 1\n",
+      run.sleeps);
+  EXPECT_EQ(
+      "sim: sc GET_BIDI -> OK 01\n"
+      "sim: cmd 1b 45 57 55\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: cmd 1b 56 32 31\n"
+      "sim: reply 192 bytes: power 01, error 0d 08 07, sheet 84 10, ribbon "
+      "123/350\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: cmd 1b 56 32 31\n"
+      "sim: reply 192 bytes: power 00, error 0d 08 07, sheet 84 10, ribbon "
+      "123/350\n"
+      "sim: sc DRAIN_OUTPUT -> OK\n"
+      "sim: filter exited with status 0\n",
+      run.sim_log);
 }
 
 }  // namespace

@@ -25,7 +25,8 @@ std::string Line(const std::string& reason) {
   return "STATE: -" + reason + "\n";
 }
 
-TEST(WithdrawReasonsTest, VendorAndSchedulerReasonsInTheValuesOrder) {
+// The whole trace, written out: the readable example of this file.
+TEST(WithdrawReasonsTest, VendorAndSchedulerReasonsGoldenTrace) {
   EXPECT_EQ(
       "STATE: -com.quillaroth-error0001\n"
       "STATE: -media-empty-error\n"

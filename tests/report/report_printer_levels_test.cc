@@ -51,7 +51,7 @@ TEST(ReportPrinterLevelsTest, UnavailableLevels) {
             Report(PrinterLevels::Unavailable()));
 }
 
-// The golden case, spelled out line by line.
+// The whole trace, written out: the readable example of this file.
 TEST(ReportPrinterLevelsTest, AvailableLevels) {
   EXPECT_EQ(
       "DEBUG: [ReportLevels] ink ribbon 123 / 500 ink_sheet_type=0x84.0x00\n"

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -70,9 +71,19 @@ TEST(JobStatusTest, TypeZeroWithReadyBytesIsNotReady) {
   EXPECT_EQ("UNAVAILABLE", status.to_string());
 }
 
-TEST(JobStatusTest, ParseTakesBytesEightToEleven) {
-  const JobStatus status = ParseStatus(0x50, 0x31, 0x00, 0xFF);
+// The whole trace, written out: the readable example of this file.
+// A reply of 20 bytes, zero but for the status bytes 8 to 11 (50 31 00 ff,
+// "P1" and two more): available, ready, and logged as its four bytes.
+TEST(JobStatusTest, ParseGoldenText) {
+  const std::string reply(
+      "\x00\x00\x00\x00\x00\x00\x00\x00"
+      "\x50\x31\x00\xff"
+      "\x00\x00\x00\x00\x00\x00\x00\x00",
+      20);
+  const JobStatus status = JobStatus::Parse(reply.data());
   EXPECT_EQ(JobStatus::Type::Available, status.type);
+  EXPECT_TRUE(status.isAvailable());
+  EXPECT_TRUE(status.isReady());
   EXPECT_EQ(0x50, status.status[0]);
   EXPECT_EQ(0x31, status.status[1]);
   EXPECT_EQ(0x00, status.status[2]);

@@ -264,7 +264,8 @@ TEST(PrinterInfoTest, GetPrinterLevelsCopiesCountsAndType) {
                PrinterLevels::Type::Available, 350, 123, 0x8F, 0x10);
 }
 
-TEST(PrinterInfoTest, ToStringOfAGoodReply) {
+// The whole trace, written out: the readable example of this file.
+TEST(PrinterInfoTest, GoodReplyGoldenText) {
   std::vector<char> reply = ReplyWith({{145, 0x84},
                                        {146, 0x10},
                                        {148, 0x01},

@@ -80,7 +80,8 @@ TEST(PrinterLevelsTest, FillTakesTheTotalFirst) {
             Fields(levels));
 }
 
-TEST(PrinterLevelsTest, FilledRecordPrintsRemainingFirst) {
+// The whole trace, written out: the readable example of this file.
+TEST(PrinterLevelsTest, FilledRecordGoldenText) {
   const PrinterLevels levels = PrinterLevels::Fill(350, 123, 0x84, 0x10);
   EXPECT_TRUE(levels.isAvailable());
   EXPECT_EQ("ink ribbon 123 / 350 ink_sheet_type=0x84.0x10",

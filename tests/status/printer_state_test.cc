@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <tuple>
 #include <type_traits>
 
@@ -55,6 +56,26 @@ void ExpectCodeEquality(const PrinterState& a, const unsigned char (*code)[3],
                         bool equal) {
   EXPECT_EQ(equal, a == code);
   EXPECT_EQ(!equal, a != code);
+}
+
+// The whole trace, written out: the readable example of this file.
+// The log text of each kind of state, one a line: unavailable, good, a
+// printer's error code, the system's own supply-low code, and a state whose
+// tag is neither 0 nor 1.
+TEST(PrinterStateTest, EveryKindOfStateGoldenText) {
+  const PrinterState states[] = {
+      PrinterState::Unavailable(), PrinterState::Good(),
+      PrinterState::Error(&kCode060202), PrinterState::InternalSupplyLow(),
+      TypeTwo()};
+  std::string text;
+  for (const PrinterState& state : states) text += state.to_string() + "\n";
+  EXPECT_EQ(
+      "UNAVAILABLE\n"
+      "GOOD\n"
+      "0x06,0x02,0x02\n"
+      "0xfe,0xed,0x01\n"
+      "UNKNOWN\n",
+      text);
 }
 
 TEST(PrinterStateTest, UnavailableHasTypeZero) {
