@@ -13,7 +13,7 @@
 namespace {
 
 // The whole trace, written out: the readable example of this file.
-TEST(StateReport, GoodPrinterReportLevelsGivesLevelsThenState) {
+TEST(StateReport, GoodPrinterReportLevelsGoldenTrace) {
   FilterResult run = RunCommands("ReportLevels\n");
   EXPECT_EQ(0, run.status);
   EXPECT_EQ(

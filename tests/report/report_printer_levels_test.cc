@@ -52,7 +52,7 @@ TEST(ReportPrinterLevelsTest, UnavailableLevels) {
 }
 
 // The whole trace, written out: the readable example of this file.
-TEST(ReportPrinterLevelsTest, AvailableLevels) {
+TEST(ReportPrinterLevelsTest, AvailableLevelsGoldenTrace) {
   EXPECT_EQ(
       "DEBUG: [ReportLevels] ink ribbon 123 / 500 ink_sheet_type=0x84.0x00\n"
       "ATTR: marker-colors=#00FF00\n"
