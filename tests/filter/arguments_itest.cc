@@ -98,27 +98,20 @@ TEST(FilterArguments, CommandWordsMatchInAnyCaseAndIgnoreFurtherWords) {
 // The commands come from stdin (five arguments); none of them is known, so
 // the run is the wake-up and one debug line for each command.
 TEST(FilterArguments, OnlyUnknownCommandsGoldenTrace) {
-  FilterResult run = RunCommands(
-      "PrintSelfTestPage\nClean all\nReportStatusNow\nReport\n");
-  EXPECT_EQ(0, run.status);
-  EXPECT_EQ(
-      "DEBUG: wr_esc_wakeup() START\n"
-      "DEBUG: [CMD] size=4\n"
-      "DEBUG: [CMD] 0000: 1b 45 57 55\n"
-      "DEBUG: wr_esc_wakeup() END\n"
-      "DEBUG: ====> command=[PrintSelfTestPage] linenum=1\n"
-      "DEBUG: ====> command=[Clean] linenum=2\n"
-      "DEBUG: ====> command=[ReportStatusNow] linenum=3\n"
-      "DEBUG: ====> command=[Report] linenum=4\n",
-      run.err);
-  EXPECT_EQ("\x1b\x45\x57\x55", run.out);
-  EXPECT_EQ("usleep 500000\n", run.sleeps);
-  EXPECT_EQ(
-      "sim: sc GET_BIDI -> OK 01\n"
-      "sim: cmd 1b 45 57 55\n"
-      "sim: sc DRAIN_OUTPUT -> OK\n"
-      "sim: filter exited with status 0\n",
-      run.sim_log);
+  ExpectRun(
+      ExpectedRun::Literal(
+          0,
+          // The wake-up transaction: written out in
+          // filter/state_report_itest.cc.
+          WakeUpLines() + "DEBUG: ====> command=[PrintSelfTestPage] linenum=1\n"
+                          "DEBUG: ====> command=[Clean] linenum=2\n"
+                          "DEBUG: ====> command=[ReportStatusNow] linenum=3\n"
+                          "DEBUG: ====> command=[Report] linenum=4\n",
+          "\x1b\x45\x57\x55", "usleep 500000\n",
+          "sim: sc GET_BIDI -> OK 01\n"
+          "sim: cmd 1b 45 57 55\n"
+          "sim: sc DRAIN_OUTPUT -> OK\n"),
+      RunCommands("PrintSelfTestPage\nClean all\nReportStatusNow\nReport\n"));
 }
 
 TEST(FilterArguments, EmptyCommandFileStillSendsTheWakeUp) {

@@ -9,6 +9,7 @@
 
 #include "status/printer_levels.h"
 #include "tests/support/expected_trace.h"
+#include "tests/support/records.h"
 #include "tests/support/stderr_capture.h"
 #include "tests/support/stderr_writes.h"
 
@@ -26,24 +27,40 @@ std::string Names(const char* sheet) {
   return std::string("InkSheetType: ") + sheet;
 }
 
-// Expects the report of a record filled with the counts and the ink-sheet
-// type: its debug line and message follow from them (the message is blank
-// for an unusable level, -1); the level and the names are the test's.
-void ExpectFilled(int total, int remaining, int sheet_0, int sheet_1,
-                  const std::string& level, const std::string& names) {
+// The record filled with the counts and the ink-sheet type.
+PrinterLevels Filled(int total, int remaining, int sheet_0, int sheet_1) {
+  return PrinterLevels::Fill(
+      static_cast<uint16_t>(total), static_cast<uint16_t>(remaining),
+      static_cast<unsigned char>(sheet_0), static_cast<unsigned char>(sheet_1));
+}
+
+// The debug line of that record.
+std::string DebugLine(int total, int remaining, int sheet_0, int sheet_1) {
   char debug[96];
   snprintf(debug, sizeof(debug),
            "ink ribbon %d / %d ink_sheet_type=0x%02x.0x%02x", remaining, total,
            sheet_0, sheet_1);
-  std::string message = level == "-1"
-                            ? " "
-                            : "Ink Ribbon = " + std::to_string(remaining) +
-                                  " / " + std::to_string(total);
-  EXPECT_EQ(LevelsLines(debug, level, message, names),
-            Report(PrinterLevels::Fill(static_cast<uint16_t>(total),
-                                       static_cast<uint16_t>(remaining),
-                                       static_cast<unsigned char>(sheet_0),
-                                       static_cast<unsigned char>(sheet_1))));
+  return debug;
+}
+
+// Expects the report of a record filled with the counts and the ink-sheet
+// type: its debug line and message follow from them; the level and the
+// names are the test's.
+void ExpectFilled(int total, int remaining, int sheet_0, int sheet_1,
+                  const std::string& level, const std::string& names) {
+  EXPECT_EQ(LevelsLines(DebugLine(total, remaining, sheet_0, sheet_1), level,
+                        "Ink Ribbon = " + std::to_string(remaining) + " / " +
+                            std::to_string(total),
+                        names),
+            Report(Filled(total, remaining, sheet_0, sheet_1)));
+}
+
+// The same for counts that give no usable level: level -1, a blank message.
+void ExpectUnusable(int total, int remaining, int sheet_0, int sheet_1,
+                    const std::string& names) {
+  EXPECT_EQ(LevelsLines(DebugLine(total, remaining, sheet_0, sheet_1), "-1",
+                        " ", names),
+            Report(Filled(total, remaining, sheet_0, sheet_1)));
 }
 
 TEST(ReportPrinterLevelsTest, UnavailableLevels) {
@@ -73,22 +90,22 @@ TEST(ReportPrinterLevelsTest, UnknownInkSheetTypeShowsItsFirstByte) {
   ExpectFilled(100, 50, 0x85, 0x10, "50", "InkSheetType: 85");
 }
 
+TEST(ReportPrinterLevelsTest, NothingLeftIsLevelZero) {
+  ExpectFilled(1000, 0, 0x8F, 0x00, "0", Names(kSheetPvR32a));
+}
+
 TEST(ReportPrinterLevelsTest, TotalZeroIsUnusable) {
-  ExpectFilled(0, 5, 0x84, 0x00, "-1", Names(kSheetPvR31a));
-  ExpectFilled(0, 0, 0x00, 0x00, "-1", "InkSheetType: 00");
+  ExpectUnusable(0, 5, 0x84, 0x00, Names(kSheetPvR31a));
+  ExpectUnusable(0, 0, 0x00, 0x00, "InkSheetType: 00");
 }
 
 TEST(ReportPrinterLevelsTest, RemainingFfffIsUnusable) {
-  ExpectFilled(100, 65535, 0x84, 0x10, "-1", Names(kSheetPvR31aGx));
+  ExpectUnusable(100, 65535, 0x84, 0x10, Names(kSheetPvR31aGx));
 }
 
 TEST(ReportPrinterLevelsTest, TotalFfffIsUnusable) {
-  ExpectFilled(65535, 100, 0x84, 0x10, "-1", Names(kSheetPvR31aGx));
-  ExpectFilled(65535, 65535, 0x8F, 0x10, "-1", Names(kSheetPvR32aGx));
-}
-
-TEST(ReportPrinterLevelsTest, NothingLeftIsLevelZero) {
-  ExpectFilled(1000, 0, 0x8F, 0x00, "0", Names(kSheetPvR32a));
+  ExpectUnusable(65535, 100, 0x84, 0x10, Names(kSheetPvR31aGx));
+  ExpectUnusable(65535, 65535, 0x8F, 0x10, Names(kSheetPvR32aGx));
 }
 
 TEST(ReportPrinterLevelsTest, LevelIsTruncatedNotRounded) {
@@ -112,30 +129,21 @@ TEST(ReportPrinterLevelsTest, InkSheetTypeFfHasNoName) {
 }
 
 TEST(ReportPrinterLevelsTest, InkSheetTypeFfHasNoNameWhenUnavailable) {
-  PrinterLevels levels = PrinterLevels::Unavailable();
-  levels.ink_sheet_type[0] = 0xFF;
-  levels.ink_sheet_type[1] = 0x10;
-  EXPECT_EQ(LevelsLines("UNAVAILABLE", "-2", " ", " "), Report(levels));
+  EXPECT_EQ(
+      LevelsLines("UNAVAILABLE", "-2", " ", " "),
+      Report(LevelsWith(PrinterLevels::Type::Unavailable, 0, 0, 0xFF, 0x10)));
 }
 
 TEST(ReportPrinterLevelsTest, UnavailableWithCountsStillReportsMinusTwo) {
-  PrinterLevels levels = PrinterLevels::Unavailable();
-  levels.ribbon_total = 500;
-  levels.ribbon_remaining = 123;
-  levels.ink_sheet_type[0] = 0x84;
-  levels.ink_sheet_type[1] = 0x00;
   EXPECT_EQ(LevelsLines("UNAVAILABLE", "-2", " ", Names(kSheetPvR31a)),
-            Report(levels));
+            Report(LevelsWith(PrinterLevels::Type::Unavailable, 500, 123, 0x84,
+                              0x00)));
 }
 
 TEST(ReportPrinterLevelsTest, TypeTwoIsNotAvailable) {
-  PrinterLevels levels(static_cast<PrinterLevels::Type>(2));
-  levels.ribbon_total = 500;
-  levels.ribbon_remaining = 123;
-  levels.ink_sheet_type[0] = 0x8F;
-  levels.ink_sheet_type[1] = 0x10;
   EXPECT_EQ(LevelsLines("UNKNOWN", "-2", " ", Names(kSheetPvR32aGx)),
-            Report(levels));
+            Report(LevelsWith(static_cast<PrinterLevels::Type>(2), 500, 123,
+                              0x8F, 0x10)));
 }
 
 TEST(ReportPrinterLevelsTest, TwoReportsInARowAreIndependent) {

@@ -10,6 +10,8 @@
 #include <tuple>
 #include <type_traits>
 
+#include "tests/support/records.h"
+
 namespace {
 
 // A 32-bit type tag, the two 16-bit counts, then the two type bytes.
@@ -146,20 +148,16 @@ TEST(PrinterLevelsTest, UnknownTypeGivesTheFirstByteOnly) {
 }
 
 TEST(PrinterLevelsTest, InkSheetNameDoesNotLookAtTheType) {
-  PrinterLevels levels = PrinterLevels::Unavailable();
-  levels.ink_sheet_type[0] = 0x8F;
-  levels.ink_sheet_type[1] = 0x10;
+  const PrinterLevels levels =
+      LevelsWith(PrinterLevels::Type::Unavailable, 0, 0, 0x8F, 0x10);
   EXPECT_EQ("PV-R32A(GX) 15x20(6x8" DOUBLE_PRIME ")",
             levels.InkSheetTypeName());
   EXPECT_EQ("UNAVAILABLE", levels.to_string());
 }
 
 TEST(PrinterLevelsTest, TypeTwoIsUnknown) {
-  PrinterLevels levels(static_cast<PrinterLevels::Type>(2));
-  levels.ribbon_total = 350;
-  levels.ribbon_remaining = 123;
-  levels.ink_sheet_type[0] = 0x84;
-  levels.ink_sheet_type[1] = 0x00;
+  PrinterLevels levels =
+      LevelsWith(static_cast<PrinterLevels::Type>(2), 350, 123, 0x84, 0x00);
   EXPECT_FALSE(levels.isAvailable());
   EXPECT_EQ("UNKNOWN", levels.to_string());
   EXPECT_EQ("PV-R31A 13x18(5x7" DOUBLE_PRIME ")", levels.InkSheetTypeName());

@@ -32,6 +32,19 @@ ExpectedRun ExpectedRun::OneWay(int status, const std::string& sim_answer) {
   return run;
 }
 
+ExpectedRun ExpectedRun::Literal(int status, const std::string& err,
+                                 const std::string& out,
+                                 const std::string& sleeps,
+                                 const std::string& sim_log) {
+  ExpectedRun run;
+  run.status = status;
+  run.err = err;
+  run.out = out;
+  run.sleeps = sleeps;
+  run.sim_log = sim_log;
+  return run;
+}
+
 ExpectedRun& ExpectedRun::Becomes(const SimPrinter& printer) {
   printer_ = printer;
   return *this;

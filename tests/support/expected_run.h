@@ -27,6 +27,11 @@ class ExpectedRun {
   // A run whose probe finds no bidirectional link: the probe's status in
   // the trace, the simulator's answer (e.g. "OK 00") in its log.
   static ExpectedRun OneWay(int status, const std::string& sim_answer);
+  // A run given whole, as a golden case writes it out; the simulator's log
+  // without its exit line, which ExpectRun adds.
+  static ExpectedRun Literal(int status, const std::string& err,
+                             const std::string& out, const std::string& sleeps,
+                             const std::string& sim_log);
 
   // From the next query on, the printer answers as this one.
   ExpectedRun& Becomes(const SimPrinter& printer);
