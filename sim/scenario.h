@@ -37,6 +37,8 @@ struct ReplyShape {
   std::optional<Bytes> raw;                     // the whole reply
   std::optional<size_t> size;                   // cut or pad to this length
   std::optional<std::vector<size_t>> split;     // sizes of the pieces
+  std::optional<size_t> reset;                  // reset after N bytes
+  std::optional<size_t> stall;                  // hang after N bytes
   bool none = false;                            // the printer says nothing
   bool close = false;                           // the back channel closes
 };
@@ -69,6 +71,8 @@ struct Scenario {
   // Queries 1..wake_after find the printer asleep; -1: it never wakes.
   long wake_after = 0;
   uint8_t fill = 0;  // the bytes that no field covers
+  // The printer hangs from the start: it reads and answers nothing.
+  bool hang = false;
 
   // Bytes 8-11 of the 20-byte job status reply.
   std::array<uint8_t, 4> job_status = {0, 0, 0, 0};

@@ -2,6 +2,7 @@
 
 #include "sim/serve.h"
 
+#include <cups/cups.h>
 #include <cups/sidechannel.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -14,25 +15,12 @@
 #include <cstring>
 #include <deque>
 
-#include "sim/printer.h"
+#include "sim/printer_core.h"
 
 namespace {
 
-constexpr int BACK_CHANNEL_FD = 3;
 // How long a further piece waits for the filter to empty the pipe.
-constexpr double PIECE_WAIT_LIMIT = 10.0;
-
-// The escape commands that the printer understands.
-struct PrinterCommand {
-  const char* name;
-  const char* bytes;
-  size_t size;
-};
-const PrinterCommand WAKE_UP = {"wake-up", "\x1b" "EWU", 4};
-const PrinterCommand PRINTER_INFO = {"printer information", "\x1b" "V21", 4};
-const PrinterCommand JOB_STATUS = {"job status", "\x1b" "V10\0\0", 6};
-const PrinterCommand* const COMMANDS[] = {&WAKE_UP, &PRINTER_INFO,
-                                          &JOB_STATUS};
+constexpr double kPieceWaitLimit = 10.0;
 
 // The side-channel command names, by number.
 const char* const SC_COMMAND_NAMES[] = {
@@ -60,7 +48,8 @@ class PrinterServer {
   // Takes the script, the descriptors and the log.
   PrinterServer(const Scenario& scenario, const ServeChannels& channels,
                 SimLog& log)
-      : scenario_(scenario), channels_(channels), log_(log) {}
+      : scenario_(scenario), channels_(channels), log_(log),
+        printer_(scenario) {}
 
   // Runs the loop until the filter is done with the channels.
   void Run();
@@ -72,18 +61,18 @@ class PrinterServer {
   bool ReadInput();
   // Reads and handles whatever the filter has written by now.
   void ReadPendingInput();
-  // Handles every complete escape command in the input buffer.
-  void HandleCommands(bool at_end);
-  // Acts on one escape command.
-  void HandleCommand(const PrinterCommand& command);
+  // Logs the printer's reactions and carries out its replies.
+  void Handle(const std::vector<PrinterEvent>& events);
   // Sends, withholds or closes as the plan says.
-  void Reply(const char* what, const ReplyPlan& plan);
+  void Reply(const ReplyPlan& plan);
   // Reads and answers one side-channel request.
   void HandleSideChannel();
   // Answers a side-channel request with a status and data, or not at all.
   void Answer(int command, const SideAnswer& answer, const Bytes& data);
   // Writes the next reply pieces that may go now.
   void SendPieces();
+  // Writes one piece of a reply to the back channel.
+  void WritePiece(const Bytes& piece);
   // Closes the back channel (and its kept read end).
   void CloseBackChannel();
   // Closes the side channel.
@@ -97,12 +86,11 @@ class PrinterServer {
   bool input_open_ = false;
   bool side_open_ = false;
   bool back_open_ = false;
-  Bytes input_;
-  long info_queries_ = 0;
-  long job_queries_ = 0;
+  PrinterCore printer_;
   long side_requests_ = 0;
   long drains_ = 0;
   std::deque<Bytes> pieces_;
+  bool close_after_pieces_ = false;  // a reset: close once they are out
   double last_piece_time_ = 0;
 };
 
@@ -111,7 +99,7 @@ class PrinterServer {
 void PrinterServer::Run() {
   input_open_ = channels_.input_fd >= 0;
   side_open_ = fd_is_open(CUPS_SC_FD);
-  back_open_ = fd_is_open(BACK_CHANNEL_FD);
+  back_open_ = fd_is_open(CUPS_BC_FD);
   if (scenario_.close_sidechannel_at == 0 && side_open_) CloseSideChannel();
   if (scenario_.close_backchannel_at_start && back_open_) CloseBackChannel();
 
@@ -121,7 +109,6 @@ void PrinterServer::Run() {
     SendPieces();
     PollOnce(PollTimeout());
   }
-  if (!input_.empty()) HandleCommands(true);
 }
 
 // Waits for either channel and handles what has come.
@@ -146,13 +133,9 @@ void PrinterServer::PollOnce(int timeout_ms) {
     return;
   }
   if (ready <= 0) return;
-  if (input_slot >= 0 && fds[input_slot].revents != 0) {
-    if (!ReadInput()) {
-      input_open_ = false;
-      HandleCommands(true);
-    } else {
-      HandleCommands(false);
-    }
+  if (input_slot >= 0 && fds[input_slot].revents != 0 && !ReadInput()) {
+    input_open_ = false;
+    Handle(printer_.Finish());
   }
   if (side_slot >= 0 && fds[side_slot].revents != 0) HandleSideChannel();
 }
@@ -166,7 +149,7 @@ bool PrinterServer::ReadInput() {
   if (channels_.save_fd >= 0 &&
       write(channels_.save_fd, buffer, static_cast<size_t>(n)) != n)
     log_.Line("saving the filter's output failed: %s", strerror(errno));
-  input_.insert(input_.end(), buffer, buffer + n);
+  Handle(printer_.Take(buffer, static_cast<size_t>(n)));
   return true;
 }
 
@@ -177,115 +160,51 @@ void PrinterServer::ReadPendingInput() {
     if (poll(&fd, 1, 0) <= 0) break;
     if (!ReadInput()) {
       input_open_ = false;
-      HandleCommands(true);
+      Handle(printer_.Finish());
       return;
     }
   }
-  HandleCommands(false);
 }
 
-// Takes every complete command off the front of the input; bytes that begin
-// no command are logged and dropped.
-void PrinterServer::HandleCommands(bool at_end) {
-  while (!input_.empty()) {
-    const PrinterCommand* match = nullptr;
-    bool partial = false;
-    for (const PrinterCommand* command : COMMANDS) {
-      size_t n = std::min(input_.size(), command->size);
-      if (memcmp(input_.data(), command->bytes, n) != 0) continue;
-      if (n == command->size) {
-        match = command;
-        break;
-      }
-      partial = true;
-    }
-    if (match != nullptr) {
-      input_.erase(input_.begin(),
-                   input_.begin() + static_cast<long>(match->size));
-      HandleCommand(*match);
-      continue;
-    }
-    if (partial && !at_end) return;
-    // Unknown bytes up to the next escape.
-    size_t end = 1;
-    while (end < input_.size() && input_[end] != 0x1b) end++;
-    size_t shown = std::min<size_t>(end, 16);
-    log_.Line("unknown bytes (%zu): %s%s", end,
-              hex_text(input_.data(), shown).c_str(), end > shown ? " ..." : "");
-    input_.erase(input_.begin(), input_.begin() + static_cast<long>(end));
-  }
-}
-
-// Logs the command and answers it as the printer would.
-void PrinterServer::HandleCommand(const PrinterCommand& command) {
-  log_.Line("cmd %s", hex_text(reinterpret_cast<const uint8_t*>(command.bytes),
-                               command.size)
-                          .c_str());
-  if (&command == &PRINTER_INFO) {
-    info_queries_++;
-    Reply("printer information", plan_info_reply(scenario_, info_queries_));
-  } else if (&command == &JOB_STATUS) {
-    job_queries_++;
-    Reply("job status", plan_job_status_reply(scenario_, job_queries_));
+// Logs each reaction of the printer and answers its queries.
+void PrinterServer::Handle(const std::vector<PrinterEvent>& events) {
+  for (const PrinterEvent& event : events) {
+    log_.Line("%s", event.log_line.c_str());
+    if (event.is_query) Reply(event.reply);
   }
 }
 
 // Writes the reply (its first piece now, the others later), or says
 // nothing, or closes the back channel.
-void PrinterServer::Reply(const char* what, const ReplyPlan& plan) {
+void PrinterServer::Reply(const ReplyPlan& plan) {
   if (!back_open_) {
-    log_.Line("no reply to %s (back channel closed)", what);
+    log_.Line("no reply to %s (back channel closed)", plan.what);
     return;
   }
-  if (plan.kind == ReplyPlan::Kind::None) {
-    log_.Line("no reply to %s", what);
-    return;
-  }
-  if (plan.kind == ReplyPlan::Kind::Close) {
-    log_.Line("no reply to %s", what);
+  log_.Line("%s", describe_reply(plan).c_str());
+  if (plan.kind == ReplyPlan::Kind::kNone) return;
+  if (plan.kind == ReplyPlan::Kind::kClose) {
     CloseBackChannel();
     return;
   }
-  // The log says what the reply carries: for printer information the
-  // power state, error code, ink-sheet type and ribbon counts (a field
-  // beyond a short reply's end is "cut off"), for job status its four
-  // status bytes.
-  const Bytes& b = plan.bytes;
-  auto field = [&b](const char* name, size_t offset, size_t width) {
-    if (b.size() < offset + width) return std::string(name) + " cut off";
-    return std::string(name) + " " + hex_text(b.data() + offset, width);
-  };
-  std::string contents;
-  if (std::strcmp(what, JOB_STATUS.name) == 0) {
-    contents = field("status", 8, 4);
-  } else {
-    contents = field("power", 5, 1) + ", " + field("error", 131, 3) + ", " +
-               field("sheet", 145, 2) + ", ";
-    contents += b.size() < 152 ? "ribbon cut off"
-                               : "ribbon " + std::to_string(b[150] << 8 | b[151]) +
-                                     "/" + std::to_string(b[148] << 8 | b[149]);
-  }
-  std::string pieces;
-  for (size_t piece : plan.pieces)
-    pieces += (pieces.empty() ? "" : ",") + std::to_string(piece);
-  if (plan.pieces.size() > 1)
-    log_.Line("reply %zu bytes in pieces %s: %s", b.size(), pieces.c_str(),
-              contents.c_str());
-  else
-    log_.Line("reply %zu bytes: %s", b.size(), contents.c_str());
+  if (plan.end != ReplyPlan::End::kWhole)
+    log_.Line("%s after %zu of %zu bytes",
+              plan.end == ReplyPlan::End::kReset ? "back channel closes"
+                                                 : "printer hangs",
+              plan.SentSize(), plan.bytes.size());
   size_t offset = 0;
   for (size_t piece : plan.pieces) {
     pieces_.emplace_back(plan.bytes.begin() + static_cast<long>(offset),
                          plan.bytes.begin() + static_cast<long>(offset + piece));
     offset += piece;
   }
+  close_after_pieces_ = plan.end == ReplyPlan::End::kReset;
   // The first piece goes at once; the backend has the reply in hand.
-  Bytes first = pieces_.front();
-  pieces_.pop_front();
-  if (cupsBackChannelWrite(reinterpret_cast<const char*>(first.data()),
-                           first.size(), 1.0) < 0)
-    log_.Line("cupsBackChannelWrite() failed: %s", strerror(errno));
-  last_piece_time_ = now();
+  if (!pieces_.empty()) {
+    WritePiece(pieces_.front());
+    pieces_.pop_front();
+  }
+  if (pieces_.empty() && close_after_pieces_) CloseBackChannel();
 }
 
 // Writes further pieces once the filter has emptied the pipe (or has left
@@ -295,17 +214,22 @@ void PrinterServer::SendPieces() {
     if (channels_.backchannel_peek_fd >= 0) {
       int unread = 0;
       if (ioctl(channels_.backchannel_peek_fd, FIONREAD, &unread) == 0 &&
-          unread > 0 && now() - last_piece_time_ < PIECE_WAIT_LIMIT)
+          unread > 0 && now() - last_piece_time_ < kPieceWaitLimit)
         return;
     }
-    const Bytes& piece = pieces_.front();
-    if (cupsBackChannelWrite(reinterpret_cast<const char*>(piece.data()),
-                             piece.size(), 1.0) < 0)
-      log_.Line("cupsBackChannelWrite() failed: %s", strerror(errno));
+    WritePiece(pieces_.front());
     pieces_.pop_front();
-    last_piece_time_ = now();
+    if (pieces_.empty() && close_after_pieces_) CloseBackChannel();
   }
   if (!back_open_) pieces_.clear();
+}
+
+// Writes one piece of a reply to the back channel.
+void PrinterServer::WritePiece(const Bytes& piece) {
+  if (cupsBackChannelWrite(reinterpret_cast<const char*>(piece.data()),
+                           piece.size(), 1.0) < 0)
+    log_.Line("cupsBackChannelWrite() failed: %s", strerror(errno));
+  last_piece_time_ = now();
 }
 
 // Polls every millisecond while a piece waits for the pipe to empty.
@@ -377,11 +301,12 @@ void PrinterServer::Answer(int command, const SideAnswer& answer,
 // reads end of file.
 void PrinterServer::CloseBackChannel() {
   log_.Line("back channel closed");
-  close(BACK_CHANNEL_FD);
+  close(CUPS_BC_FD);
   if (channels_.backchannel_peek_fd >= 0) close(channels_.backchannel_peek_fd);
   channels_.backchannel_peek_fd = -1;
   back_open_ = false;
   pieces_.clear();
+  close_after_pieces_ = false;
 }
 
 // Closes the side channel: the filter's requests meet a closed socket.

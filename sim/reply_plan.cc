@@ -1,10 +1,31 @@
 // The simulated printer's replies, built from the scenario.
 
-#include "sim/printer.h"
+#include "sim/reply_plan.h"
 
 #include <algorithm>
+#include <cstring>
+
+#include "sim/sim_log.h"
 
 namespace {
+
+// What a reply carries, for the log: for printer information the power
+// state, error code, ink-sheet type and ribbon counts (a field beyond a
+// short reply's end is "cut off"), for job status its four status bytes.
+std::string reply_contents(const ReplyPlan& plan) {
+  const Bytes& b = plan.bytes;
+  auto field = [&b](const char* name, size_t offset, size_t width) {
+    if (b.size() < offset + width) return std::string(name) + " cut off";
+    return std::string(name) + " " + hex_text(b.data() + offset, width);
+  };
+  if (std::strcmp(plan.what, "job status") == 0) return field("status", 8, 4);
+  std::string contents = field("power", 5, 1) + ", " + field("error", 131, 3) +
+                         ", " + field("sheet", 145, 2) + ", ";
+  contents += b.size() < 152 ? "ribbon cut off"
+                             : "ribbon " + std::to_string(b[150] << 8 | b[151]) +
+                                   "/" + std::to_string(b[148] << 8 | b[149]);
+  return contents;
+}
 
 // The printer's state when the script says nothing: awake, no error,
 // mechanism and memory good, a PV-R31A(GX) ink sheet with 123 of 350 prints
@@ -32,6 +53,8 @@ void overlay(ReplyShape* base, const ReplyShape& top) {
   if (top.remaining) base->remaining = top.remaining;
   if (top.size) base->size = top.size;
   if (top.split) base->split = top.split;
+  if (top.reset) base->reset = top.reset;
+  if (top.stall) base->stall = top.stall;
   if (top.none) base->none = true;
   if (top.close) base->close = true;
 }
@@ -60,11 +83,33 @@ std::vector<size_t> cut_pieces(size_t length,
   return pieces;
 }
 
+// Keeps only the pieces that carry the first `limit` bytes, the last one
+// cut where the limit falls.
+std::vector<size_t> clip_pieces(const std::vector<size_t>& pieces,
+                                size_t limit) {
+  std::vector<size_t> kept;
+  size_t sent = 0;
+  for (size_t piece : pieces) {
+    if (sent >= limit) break;
+    kept.push_back(std::min(piece, limit - sent));
+    sent += kept.back();
+  }
+  return kept;
+}
+
 }  // namespace
+
+// The number of bytes that the pieces carry.
+size_t ReplyPlan::SentSize() const {
+  size_t size = 0;
+  for (size_t piece : pieces) size += piece;
+  return size;
+}
 
 // The reply to the Nth printer-information query.
 ReplyPlan plan_info_reply(const Scenario& scenario, long query) {
   ReplyPlan plan;
+  plan.what = "printer information";
   auto own = scenario.per_query.find(query);
 
   // A raw reply stands on its own: only fields that the script names are
@@ -79,15 +124,15 @@ ReplyPlan plan_info_reply(const Scenario& scenario, long query) {
   if (own != scenario.per_query.end()) overlay(&shape, own->second);
 
   if (shape.close) {
-    plan.kind = ReplyPlan::Kind::Close;
+    plan.kind = ReplyPlan::Kind::kClose;
     return plan;
   }
   if (shape.none) {
-    plan.kind = ReplyPlan::Kind::None;
+    plan.kind = ReplyPlan::Kind::kNone;
     return plan;
   }
 
-  Bytes reply = raw ? *raw : Bytes(INFO_REPLY_SIZE, scenario.fill);
+  Bytes reply = raw ? *raw : Bytes(kInfoReplySize, scenario.fill);
   uint8_t fill = scenario.fill;
   if (shape.memory) put(&reply, 4, *shape.memory, fill);
   if (shape.power) put(&reply, 5, *shape.power, fill);
@@ -116,18 +161,41 @@ ReplyPlan plan_info_reply(const Scenario& scenario, long query) {
 
   plan.bytes = reply;
   plan.pieces = cut_pieces(reply.size(), shape.split);
+  if (shape.reset) {
+    plan.end = ReplyPlan::End::kReset;
+    plan.pieces = clip_pieces(plan.pieces, *shape.reset);
+  } else if (shape.stall) {
+    plan.end = ReplyPlan::End::kStall;
+    plan.pieces = clip_pieces(plan.pieces, *shape.stall);
+  }
   return plan;
 }
 
 // The reply to the Nth job-status query: 20 bytes, status at 8-11.
 ReplyPlan plan_job_status_reply(const Scenario& scenario, long /*query*/) {
   ReplyPlan plan;
+  plan.what = "job status";
   if (scenario.every.none) {
-    plan.kind = ReplyPlan::Kind::None;
+    plan.kind = ReplyPlan::Kind::kNone;
     return plan;
   }
-  plan.bytes = Bytes(JOB_STATUS_REPLY_SIZE, scenario.fill);
+  plan.bytes = Bytes(kJobStatusReplySize, scenario.fill);
   for (size_t i = 0; i < 4; i++) plan.bytes[8 + i] = scenario.job_status[i];
   plan.pieces = cut_pieces(plan.bytes.size(), std::nullopt);
   return plan;
+}
+
+// "reply 192 bytes: power 00, error 00 00 00, sheet 84 10, ribbon 123/350",
+// "reply 192 bytes in pieces 100,92: ..." or "no reply to printer
+// information".
+std::string describe_reply(const ReplyPlan& plan) {
+  if (plan.kind != ReplyPlan::Kind::kSend)
+    return std::string("no reply to ") + plan.what;
+  std::string text = "reply " + std::to_string(plan.bytes.size()) + " bytes";
+  if (plan.pieces.size() > 1) {
+    text += " in pieces ";
+    for (size_t i = 0; i < plan.pieces.size(); i++)
+      text += (i == 0 ? "" : ",") + std::to_string(plan.pieces[i]);
+  }
+  return text + ": " + reply_contents(plan);
 }
