@@ -39,7 +39,7 @@ std::string device_uri(const char* argv0) {
 int main(int argc, char** argv) {
   if (argc == 1) {
     printf("network %s \"Unknown\" \"Quillaroth simulated printer\"\n",
-           DEVICE_URI_SCHEME);
+           kDeviceUriScheme);
     return CUPS_BACKEND_OK;
   }
   if (argc < 6 || argc > 7) {

@@ -1,12 +1,9 @@
 // The backend's device URI: quillarothsim://NAME?key=value&key=value
 //
-// NAME only names the simulated printer.  The keys script it:
-//   total=N remaining=N   ribbon counts (0-65535)
-//   error=XXXXXX          the printer's error code (6 hex digits)
-//   sheet=XXXX            the ink-sheet type (4 hex digits)
-//   power=XX memory=XX mech=XXXX   the other state bytes
-//   wake=N|never          queries that find the printer still asleep
-//   oneway=1|0            answer the probe as a one-way link
+// NAME only names the simulated printer.  The keys script it: every option
+// of sim/option_table.h that scenario keys may use ("error=060202",
+// "wake-after=3", "split=100+92" ...), the same names and values as on
+// quillaroth-sim's command line.
 
 #ifndef QUILLAROTH_SIM_DEVICE_URI_H_
 #define QUILLAROTH_SIM_DEVICE_URI_H_
@@ -15,7 +12,7 @@
 
 #include "sim/scenario.h"
 
-constexpr char DEVICE_URI_SCHEME[] = "quillarothsim";
+constexpr char kDeviceUriScheme[] = "quillarothsim";
 
 // Fills the scenario from the URI.  On a bad URI, key or value returns false
 // and says why in *why (one line, no "ERROR:" prefix).

@@ -5,52 +5,53 @@
 #include <algorithm>
 #include <cstring>
 
+#include "sim/option_table.h"
 #include "sim/sim_log.h"
 
 namespace {
+
+// Where the job status reply carries its four status bytes.
+constexpr size_t kJobStatusOffset = 8;
+
+// "error 06 02 02": a field of the reply as hex bytes, or "error cut off"
+// when the reply ends before it.
+std::string field_text(const Bytes& reply, const char* name, size_t offset,
+                       size_t width) {
+  if (reply.size() < offset + width) return std::string(name) + " cut off";
+  return std::string(name) + " " + hex_text(reply.data() + offset, width);
+}
+
+// The big-endian count in the printer-information field called name.
+long count_field(const Bytes& reply, const char* name) {
+  const ReplyField& field = find_option(name, kPerQuery)->field;
+  return reply[field.offset] << 8 | reply[field.offset + 1];
+}
 
 // What a reply carries, for the log: for printer information the power
 // state, error code, ink-sheet type and ribbon counts (a field beyond a
 // short reply's end is "cut off"), for job status its four status bytes.
 std::string reply_contents(const ReplyPlan& plan) {
   const Bytes& b = plan.bytes;
-  auto field = [&b](const char* name, size_t offset, size_t width) {
-    if (b.size() < offset + width) return std::string(name) + " cut off";
-    return std::string(name) + " " + hex_text(b.data() + offset, width);
-  };
-  if (std::strcmp(plan.what, "job status") == 0) return field("status", 8, 4);
-  std::string contents = field("power", 5, 1) + ", " + field("error", 131, 3) +
-                         ", " + field("sheet", 145, 2) + ", ";
-  contents += b.size() < 152 ? "ribbon cut off"
-                             : "ribbon " + std::to_string(b[150] << 8 | b[151]) +
-                                   "/" + std::to_string(b[148] << 8 | b[149]);
-  return contents;
+  if (std::strcmp(plan.what, "job status") == 0)
+    return field_text(b, "status", kJobStatusOffset, 4);
+  std::string contents;
+  for (const char* name : {"power", "error", "sheet"}) {
+    const ReplyField& field = find_option(name, kPerQuery)->field;
+    contents += field_text(b, name, field.offset, field.width) + ", ";
+  }
+  const ReplyField& last = find_option("remaining", kPerQuery)->field;
+  if (b.size() < last.offset + last.width) return contents + "ribbon cut off";
+  return contents + "ribbon " + std::to_string(count_field(b, "remaining")) +
+         "/" + std::to_string(count_field(b, "total"));
 }
 
-// The printer's state when the script says nothing: awake, no error,
-// mechanism and memory good, a PV-R31A(GX) ink sheet with 123 of 350 prints
-// left.
-ReplyShape default_shape() {
-  ReplyShape shape;
-  shape.power = 0x00;
-  shape.memory = 0x00;
-  shape.mech = std::array<uint8_t, 2>{0x00, 0x00};
-  shape.error = std::array<uint8_t, 3>{0x00, 0x00, 0x00};
-  shape.sheet = std::array<uint8_t, 2>{0x84, 0x10};
-  shape.total = 350;
-  shape.remaining = 123;
-  return shape;
-}
+// The power state of a printer that is still waking up.
+constexpr uint8_t kAsleep = 0x01;
 
-// Lays every field that top sets over base.
+// Lays everything that top sets over base.
 void overlay(ReplyShape* base, const ReplyShape& top) {
-  if (top.power) base->power = top.power;
-  if (top.memory) base->memory = top.memory;
-  if (top.mech) base->mech = top.mech;
-  if (top.error) base->error = top.error;
-  if (top.sheet) base->sheet = top.sheet;
-  if (top.total) base->total = top.total;
-  if (top.remaining) base->remaining = top.remaining;
+  for (const auto& field : top.fields) base->fields[field.first] = field.second;
+  if (top.raw) base->raw = top.raw;
   if (top.size) base->size = top.size;
   if (top.split) base->split = top.split;
   if (top.reset) base->reset = top.reset;
@@ -117,10 +118,10 @@ ReplyPlan plan_info_reply(const Scenario& scenario, long query) {
   const std::optional<Bytes>& raw =
       own != scenario.per_query.end() && own->second.raw ? own->second.raw
                                                           : scenario.every.raw;
-  ReplyShape shape = raw ? ReplyShape() : default_shape();
+  ReplyShape shape = raw ? ReplyShape() : default_reply_shape();
   overlay(&shape, scenario.every);
   bool asleep = scenario.wake_after < 0 || query <= scenario.wake_after;
-  if (asleep) shape.power = 0x01;
+  if (asleep) shape.fields[kPowerField] = {kAsleep};
   if (own != scenario.per_query.end()) overlay(&shape, own->second);
 
   if (shape.close) {
@@ -133,31 +134,13 @@ ReplyPlan plan_info_reply(const Scenario& scenario, long query) {
   }
 
   Bytes reply = raw ? *raw : Bytes(kInfoReplySize, scenario.fill);
-  uint8_t fill = scenario.fill;
-  if (shape.memory) put(&reply, 4, *shape.memory, fill);
-  if (shape.power) put(&reply, 5, *shape.power, fill);
-  if (shape.mech) {
-    put(&reply, 128, (*shape.mech)[0], fill);
-    put(&reply, 129, (*shape.mech)[1], fill);
+  for (const OptionSpec& option : option_table()) {
+    auto value = shape.fields.find(option.name);
+    if (option.field.width == 0 || value == shape.fields.end()) continue;
+    for (size_t i = 0; i < value->second.size(); i++)
+      put(&reply, option.field.offset + i, value->second[i], scenario.fill);
   }
-  if (shape.error) {
-    put(&reply, 131, (*shape.error)[0], fill);
-    put(&reply, 132, (*shape.error)[1], fill);
-    put(&reply, 133, (*shape.error)[2], fill);
-  }
-  if (shape.sheet) {
-    put(&reply, 145, (*shape.sheet)[0], fill);
-    put(&reply, 146, (*shape.sheet)[1], fill);
-  }
-  if (shape.total) {
-    put(&reply, 148, static_cast<uint8_t>(*shape.total >> 8), fill);
-    put(&reply, 149, static_cast<uint8_t>(*shape.total & 0xff), fill);
-  }
-  if (shape.remaining) {
-    put(&reply, 150, static_cast<uint8_t>(*shape.remaining >> 8), fill);
-    put(&reply, 151, static_cast<uint8_t>(*shape.remaining & 0xff), fill);
-  }
-  if (shape.size) reply.resize(*shape.size, fill);
+  if (shape.size) reply.resize(*shape.size, scenario.fill);
 
   plan.bytes = reply;
   plan.pieces = cut_pieces(reply.size(), shape.split);
@@ -180,7 +163,8 @@ ReplyPlan plan_job_status_reply(const Scenario& scenario, long /*query*/) {
     return plan;
   }
   plan.bytes = Bytes(kJobStatusReplySize, scenario.fill);
-  for (size_t i = 0; i < 4; i++) plan.bytes[8 + i] = scenario.job_status[i];
+  for (size_t i = 0; i < 4; i++)
+    plan.bytes[kJobStatusOffset + i] = scenario.job_status[i];
   plan.pieces = cut_pieces(plan.bytes.size(), std::nullopt);
   return plan;
 }

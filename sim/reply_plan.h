@@ -1,17 +1,8 @@
 // ReplyPlan: what the simulated printer does about one query.
 //
 // The printer information reply is 192 bytes (unless the script makes it
-// longer or shorter); the fields that the filter reads sit at fixed offsets:
-//
-//   offset  width  field
-//     4       1    memory state       (0xff: memory not free)
-//     5       1    power state        (0x00: awake)
-//   128       2    mechanism state
-//   131       3    error code         (00 00 00: no error)
-//   145       2    ink-sheet type
-//   148       2    ribbon total       (big-endian)
-//   150       2    ribbon remaining   (big-endian)
-//
+// longer or shorter); its fields (power state, error code, ink ribbon ...)
+// sit at the offsets that the option table gives (sim/option_table.cc).
 // The job status reply is 20 bytes with the four status bytes at 8-11.
 // Every other byte holds the scenario's fill byte.
 //
@@ -61,8 +52,9 @@ ReplyPlan plan_info_reply(const Scenario& scenario, long query);
 // The reply to the Nth job-status query (counted from 1).
 ReplyPlan plan_job_status_reply(const Scenario& scenario, long query);
 
-// The log line for a plan: "reply 192 bytes", "reply 192 bytes in pieces
-// 100,92", "no reply to printer information".
+// The log line for a plan: "reply 192 bytes: power 00, error 00 00 00,
+// sheet 84 10, ribbon 123/350" (what the reply carries), "reply 192 bytes
+// in pieces 100,92: ...", "no reply to printer information".
 std::string describe_reply(const ReplyPlan& plan);
 
 #endif  // QUILLAROTH_SIM_REPLY_PLAN_H_

@@ -16,16 +16,12 @@
 #include <deque>
 
 #include "sim/printer_core.h"
+#include "sim/value_parsers.h"
 
 namespace {
 
 // How long a further piece waits for the filter to empty the pipe.
 constexpr double kPieceWaitLimit = 10.0;
-
-// The side-channel command names, by number.
-const char* const SC_COMMAND_NAMES[] = {
-    "NONE",      "SOFT_RESET", "DRAIN_OUTPUT",  "GET_BIDI",     "GET_DEVICE_ID",
-    "GET_STATE", "SNMP_GET",   "SNMP_GET_NEXT", "GET_CONNECTED"};
 
 // Seconds on the monotonic clock.
 double now() {
@@ -36,12 +32,6 @@ double now() {
 
 // True when the descriptor is open.
 bool fd_is_open(int fd) { return fcntl(fd, F_GETFD) != -1; }
-
-// The name of a side-channel command for the log.
-std::string sc_command_name(int command) {
-  if (command >= 0 && command < 9) return SC_COMMAND_NAMES[command];
-  return std::to_string(command);
-}
 
 class PrinterServer {
  public:

@@ -9,6 +9,8 @@
 // It exits with the filter's exit status (128 + the signal if it was
 // killed).
 
+#include <cups/cups.h>
+#include <cups/sidechannel.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/socket.h>
@@ -20,6 +22,8 @@
 #include <cstring>
 #include <vector>
 
+#include "sim/option_help.h"
+#include "sim/option_table.h"
 #include "sim/serve.h"
 #include "sim/sim_log.h"
 #include "sim/sim_options.h"
@@ -40,7 +44,7 @@ void reserve_low_fds() {
   for (;;) {
     int fd = open("/dev/null", O_RDWR);
     if (fd < 0) return;
-    if (fd > 4) {
+    if (fd > CUPS_SC_FD) {
       close(fd);
       return;
     }
@@ -57,13 +61,13 @@ void reserve_low_fds() {
 [[noreturn]] void exec_filter(const FilterEnds& ends,
                               const std::vector<std::string>& command) {
   signal(SIGPIPE, SIG_DFL);
-  if (dup2(ends.stdout_fd, 1) < 0 || dup2(ends.back_fd, 3) < 0 ||
-      dup2(ends.side_fd, 4) < 0) {
+  if (dup2(ends.stdout_fd, STDOUT_FILENO) < 0 ||
+      dup2(ends.back_fd, CUPS_BC_FD) < 0 || dup2(ends.side_fd, CUPS_SC_FD) < 0) {
     perror("quillaroth-sim: dup2");
     _exit(127);
   }
   // Nothing of the simulator's leaks into the filter.
-  close_range(5, ~0U, 0);
+  close_range(CUPS_SC_FD + 1, ~0U, 0);
   std::vector<char*> argv;
   for (const std::string& word : command)
     argv.push_back(const_cast<char*>(word.c_str()));
@@ -104,15 +108,22 @@ int child_status(int status, SimLog& log) {
 int main(int argc, char** argv) {
   reserve_low_fds();
   SimSettings settings;
-  bool help = false;
-  if (!parse_sim_options(argc, argv, &settings, &help)) return 2;
-  if (help) {
-    fputs(sim_usage(), stdout);
+  if (!parse_sim_options(argc, argv, &settings)) return 2;
+  if (settings.help) {
+    fputs(usage_text().c_str(), stdout);
+    return 0;
+  }
+  if (!settings.print_table.empty()) {
+    fputs(markdown_tables().c_str(), stdout);
     return 0;
   }
 
   FILE* log_file = open_log(settings.log_path);
   SimLog log(log_file, "sim: ");
+  if (settings.listen) {
+    fprintf(stderr, "quillaroth-sim: --listen is not built yet\n");
+    return 2;
+  }
   int save_fd = -1;
   if (!settings.stdout_path.empty()) {
     save_fd = open(settings.stdout_path.c_str(),
@@ -141,7 +152,8 @@ int main(int argc, char** argv) {
                 settings.command);
 
   // The backend's ends on the descriptors where libcups looks for them.
-  if (dup2(back_pipe[1], 3) < 0 || dup2(side_pair[0], 4) < 0) die("dup2");
+  if (dup2(back_pipe[1], CUPS_BC_FD) < 0 || dup2(side_pair[0], CUPS_SC_FD) < 0)
+    die("dup2");
   close(back_pipe[1]);
   close(side_pair[0]);
   close(side_pair[1]);
@@ -152,10 +164,10 @@ int main(int argc, char** argv) {
   channels.save_fd = save_fd;
   channels.backchannel_peek_fd = back_pipe[0];
   channels.until_sidechannel_eof = true;
-  serve_printer(settings.scenario, channels, log);
+  serve_printer(scenario_for_connection(settings, 1), channels, log);
 
-  close(3);
-  close(4);
+  close(CUPS_BC_FD);
+  close(CUPS_SC_FD);
   int status = 0;
   while (waitpid(child, &status, 0) < 0) {
     if (errno != EINTR) die("waitpid");

@@ -1,31 +1,18 @@
-// The simulator's command line: the scenario, the log, and the filter to run.
+// quillaroth-sim's command line, parsed with the option table.
 //
-//   quillaroth-sim [options] -- /path/to/filter job user title copies opts [file]
+//   quillaroth-sim [options] -- FILTER job-id user title copies opts [file]
+//   quillaroth-sim [options] --listen HOST:PORT
 //
-// Every option is listed in the README and by --help.
+// Every option is a row of sim/option_table.h; --help and the README's
+// tables are printed from there.
 
 #ifndef QUILLAROTH_SIM_SIM_OPTIONS_H_
 #define QUILLAROTH_SIM_SIM_OPTIONS_H_
 
-#include <string>
-#include <vector>
+#include "sim/sim_settings.h"
 
-#include "sim/scenario.h"
-
-struct SimSettings {
-  Scenario scenario;
-  std::string log_path;        // --log (empty: no log)
-  std::string stdout_path;     // --stdout-file (empty: not saved)
-  bool stdout_devfull = false; // the filter's stdout is /dev/full
-  std::vector<std::string> command;  // the filter and its arguments
-};
-
-// Parses the command line.  On a bad option writes a message to stderr and
-// returns false; *help is set when --help was asked for.
-bool parse_sim_options(int argc, char** argv, SimSettings* settings,
-                       bool* help);
-
-// The --help text.
-const char* sim_usage();
+// Parses the command line into settings.  On a bad option writes one line
+// "quillaroth-sim: ..." to stderr and returns false.
+bool parse_sim_options(int argc, char** argv, SimSettings* settings);
 
 #endif  // QUILLAROTH_SIM_SIM_OPTIONS_H_
