@@ -1,0 +1,476 @@
+// Command jobs through CUPS' own usb backend, on the emulated USB printer.
+//
+// The private scheduler's backend folder gets the wrapper backend "usb",
+// which runs the system's usb backend on the emulated libusb-1.0 (sim/usb),
+// and the printer's script beside it (bin/backend/usb-printer), rewritten
+// before each job.  The queues point at the device URI that the backend
+// makes for the printer.  Besides the queue's attributes over IPP, each test
+// checks what the printer received and answered (the emulation's "sim:" and
+// "usb:" lines in the job's log) and that the job ended within its bound.
+//
+// The bound of a job is the filter's own waits plus the backend's, plus 3 s
+// for the scheduler: 0.5 s after the wake-up command, 5 s for each drain
+// that goes unanswered (one after the wake-up and one per query), 1 s per
+// wake-up retry and per failed back-channel read; 5 s for each device scan
+// that misses the printer, up to 3 s for the backend's side-channel thread
+// and 7 + 1 s for its read thread once the job's data has ended.
+
+#include <cups/ipp.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/e2e/cupsd_test.h"
+
+namespace {
+
+const char kUsbUri[] = "usb://Quillaroth/Simulated%20Printer?serial=SIM0001";
+const char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
+const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
+const char kBothCommands[] = "#CUPS-COMMAND\nReportLevels\nReportStatus\n";
+const char kSheet8410[] = "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)";
+const char kSheet8400[] = "InkSheetType: PV-R31A 13x18(5x7\u2033)";
+const char kSheet8f00[] = "InkSheetType: PV-R32A 15x20(6x8\u2033)";
+const char kSheet8f10[] = "InkSheetType: PV-R32A(GX) 15x20(6x8\u2033)";
+
+// The waits of the filter and of the usb backend, in seconds.
+constexpr double kWakeUpPause = 0.5;
+constexpr double kDrainTimeout = 5.0;
+constexpr double kRetrySleep = 1.0;
+constexpr double kReadTimeout = 1.0;
+constexpr double kRescanSleep = 5.0;
+constexpr double kSideChannelThreadWait = 3.0;
+constexpr double kReadThreadWait = 7.0 + 1.0;
+constexpr double kSchedulerSlack = 3.0;
+
+// What a job waits for beyond one query that is answered at once.
+struct JobWaits {
+  int queries = 1;
+  int retry_sleeps = 0;
+  int failed_reads = 0;
+  int missed_scans = 0;
+};
+
+// The longest that a job with these waits may take, in seconds.
+double JobBound(const JobWaits& waits) {
+  return kWakeUpPause + (1 + waits.queries) * kDrainTimeout +
+         waits.retry_sleeps * kRetrySleep + waits.failed_reads * kReadTimeout +
+         waits.missed_scans * kRescanSleep + kSideChannelThreadWait +
+         kReadThreadWait + kSchedulerSlack;
+}
+
+// The marker attributes of a ribbon, as the queue shows them.
+std::string Markers(const std::string& level, const std::string& message,
+                    const std::string& names) {
+  return "marker-colors=#00FF00\n"
+         "marker-levels=" + level + "\n"
+         "marker-message=" + message + "\n"
+         "marker-names=" + names + "\n"
+         "marker-types=ink-ribbon\n";
+}
+
+// The ribbon of most tests' printer, and how the queue shows it.
+const char kRibbon[] = "total=500\nremaining=123\nsheet=8410\n";
+const std::string kRibbonMarkers =
+    Markers("24", "Ink Ribbon = 123 / 500", kSheet8410);
+const std::string kRibbonShown = "printer-state-reasons=none\n" + kRibbonMarkers;
+// A printer that could not be asked, as the queue shows it.
+const std::string kUnavailableShown =
+    "printer-state-reasons=com.quillaroth-error0023\n" +
+    Markers("-2", " ", "InkSheetType: 00");
+
+// The wake-up command and a printer-information query that the printer
+// answers, as it logs them.
+const char kWakeUp[] = "sim: cmd 1b 45 57 55\n";
+const char kQuery[] = "sim: cmd 1b 56 32 31\n";
+const std::string kQueryAnswered = std::string(kQuery) + "sim: reply 192 bytes\n";
+const std::string kWakeUpAndQuery = kWakeUp + kQueryAnswered;
+
+class UsbBackendTest : public CupsdTest {
+ protected:
+  // Puts the wrapper backend into the scheduler's backend folder, and the
+  // device-listing helper that lpinfo needs into its daemon folder.
+  void SetUp() override {
+    CupsdTest::SetUp();
+    if (HasFatalFailure() || IsSkipped()) return;
+#ifdef QUILLAROTH_USB_SANITIZED
+    GTEST_SKIP() << "the emulated libusb is built with sanitizers, which CUPS' "
+                    "uninstrumented usb backend cannot load";
+#endif
+    if (access(USB_REAL_BACKEND, X_OK) != 0)
+      GTEST_SKIP() << "no " << USB_REAL_BACKEND << " (install cups)";
+    namespace fs = std::filesystem;
+    fs::path wrapper = fs::path(cupsd().root()) / "bin/backend/usb";
+    std::error_code error;
+    fs::copy_file(USB_WRAPPER_PATH, wrapper,
+                  fs::copy_options::overwrite_existing, error);
+    ASSERT_FALSE(error) << "copying " << USB_WRAPPER_PATH << ": "
+                        << error.message();
+    // Not world-executable: cupsd runs it as root, as its own usb backend.
+    fs::permissions(wrapper, fs::perms(0744), error);
+    ASSERT_FALSE(error) << error.message();
+    fs::path deviced = fs::path(cupsd().root()) / "bin/daemon/cups-deviced";
+    if (!fs::exists(fs::symlink_status(deviced)))
+      fs::create_symlink(CUPS_DEVICED_PATH, deviced, error);
+    ASSERT_FALSE(error) << "linking " << CUPS_DEVICED_PATH << ": "
+                        << error.message();
+    Script("");
+  }
+
+  // On failure, the scheduler's log of this test's jobs.
+  void TearDown() override {
+    CupsdTest::TearDown();
+    if (!HasFailure()) return;
+    for (int job : jobs_)
+      fprintf(stderr, "----- error_log of job %d -----\n%s", job,
+              cupsd().JobLog(job).c_str());
+  }
+
+  // Writes the printer's script for the next job.
+  void Script(const std::string& text) {
+    std::ofstream file(cupsd().root() + "/bin/backend/usb-printer",
+                       std::ios::binary | std::ios::trunc);
+    file << text;
+    ASSERT_TRUE(file.good());
+  }
+
+  // Adds a queue on the emulated printer, gives the printer the script,
+  // and runs a command job (see RunUsbJob).
+  int RunJobOnPrinter(const std::string& queue, const std::string& script,
+                      const std::string& commands,
+                      const JobWaits& waits = JobWaits()) {
+    AddQueue(queue, kUsbUri);
+    Script(script);
+    return RunUsbJob(queue, commands, waits);
+  }
+
+  // Runs a ReportLevels job on a printer whose reply does not reach the
+  // filter (one failed read), and checks that the queue shows the printer
+  // unavailable.  Returns the job's id (0 on failure).
+  int RunUnansweredJob(const std::string& queue, const std::string& script) {
+    JobWaits waits;
+    waits.failed_reads = 1;
+    int job = RunJobOnPrinter(queue, script, kReportLevels, waits);
+    EXPECT_EQ(kUnavailableShown, Attributes(queue));
+    return job;
+  }
+
+  // The queue's printer-state-reasons and marker-* attributes.
+  std::string Attributes(const std::string& queue) {
+    return cupsd().PrinterAttributes(queue);
+  }
+
+  // Submits a command job and waits for it; checks that it completed
+  // through our filter and the usb backend, both exiting 0, within the
+  // bound.  Returns its id (0 on failure, which has been reported).
+  int RunUsbJob(const std::string& queue, const std::string& commands,
+                const JobWaits& waits = JobWaits()) {
+    std::string error;
+    auto start = std::chrono::steady_clock::now();
+    int job = cupsd().SubmitCommandJob(queue, commands, &error);
+    if (job == 0) {
+      ADD_FAILURE() << error;
+      return 0;
+    }
+    jobs_.push_back(job);
+    double bound = JobBound(waits);
+    int state = cupsd().WaitForJob(job, bound + 5.0);
+    double seconds = std::chrono::duration<double>(
+                         std::chrono::steady_clock::now() - start)
+                         .count();
+    EXPECT_EQ(IPP_JSTATE_COMPLETED, state) << "job " << job << " on " << queue;
+    EXPECT_LE(seconds, bound) << "job " << job << " on " << queue;
+    EXPECT_EQ(ExpectedChain(job, queue), cupsd().FilterChain(job));
+    EXPECT_EQ(ExpectedExits(job), ProcessExits(job));
+    return state == IPP_JSTATE_COMPLETED ? job : 0;
+  }
+
+  // The job's log messages (after "[Job N] ") that begin with prefix.
+  std::string JobLines(int job, const std::string& prefix) {
+    std::string tag = "[Job " + std::to_string(job) + "] ";
+    std::istringstream log(cupsd().JobLog(job));
+    std::string line;
+    std::string lines;
+    while (std::getline(log, line)) {
+      size_t at = line.find(tag);
+      if (at != std::string::npos &&
+          line.compare(at + tag.size(), prefix.size(), prefix) == 0)
+        lines += line.substr(at + tag.size()) + "\n";
+    }
+    return lines;
+  }
+
+  // What the printer received and answered.
+  std::string PrinterLines(int job) { return JobLines(job, "sim: "); }
+  // The bulk IN transfers, as the device saw them end.
+  std::string InTransfers(int job) {
+    return JobLines(job, "usb: in ") + JobLines(job, "usb: unplugged");
+  }
+  // The back-channel writes of the backend's read thread.
+  std::string BackChannelWrites(int job) {
+    const std::string kWrite = " bytes of back-channel data...";
+    std::istringstream lines(JobLines(job, "Read "));
+    std::string line;
+    std::string writes;
+    while (std::getline(lines, line))
+      if (line.size() > kWrite.size() &&
+          line.compare(line.size() - kWrite.size(), kWrite.size(), kWrite) == 0)
+        writes += line + "\n";
+    return writes;
+  }
+
+ private:
+  // Our filter alone, its output passed unchanged to the usb backend.
+  static std::string ExpectedChain(int job, const std::string& queue) {
+    std::string chain = ExpectedFilterChain(job, queue);
+    const std::string kSimBackend = "backend/quillarothsim";
+    size_t at = chain.find(kSimBackend);
+    if (at != std::string::npos)
+      chain.replace(at, kSimBackend.size(), "backend/usb");
+    return chain;
+  }
+
+  // The filter and the backend ended with status 0.
+  static std::string ExpectedExits(int job) {
+    std::string tag = "[Job " + std::to_string(job) + "] ";
+    return tag + "PID n (ROOT/bin/backend/usb) exited with no errors.\n" +
+           tag + "PID n (ROOT/bin/filter/commandtoquillaroth) exited with no errors.\n";
+  }
+
+  // The scheduler's lines about the job's processes ending, process ids and
+  // the tree's path taken out, sorted: when the backend has no read thread
+  // to wait for, the two end at the same time.
+  std::string ProcessExits(int job) {
+    std::istringstream lines(JobLines(job, "PID "));
+    std::string line;
+    std::vector<std::string> exits;
+    std::string tag = "[Job " + std::to_string(job) + "] ";
+    while (std::getline(lines, line)) {
+      size_t open = line.find(" (");
+      size_t root = line.find(cupsd().root());
+      if (open == std::string::npos || root == std::string::npos) continue;
+      line.replace(root, cupsd().root().size(), "ROOT");
+      exits.push_back(tag + "PID n" + line.substr(open) + "\n");
+    }
+    std::sort(exits.begin(), exits.end());
+    std::string text;
+    for (const std::string& exit : exits) text += exit;
+    return text;
+  }
+
+  std::vector<int> jobs_;
+};
+
+// lpinfo lists the printer as the usb backend found it.
+TEST_F(UsbBackendTest, LpinfoListsTheEmulatedPrinter) {
+  ProgramResult lpinfo = RunProgram({"lpinfo", "-h", cupsd().address(), "-l",
+                                     "--include-schemes", "usb", "-v"});
+  EXPECT_EQ(0, lpinfo.status) << lpinfo.Describe();
+  EXPECT_EQ(
+      "Device: uri = usb://Quillaroth/Simulated%20Printer?serial=SIM0001\n"
+      "        class = direct\n"
+      "        info = Quillaroth Simulated Printer\n"
+      "        make-and-model = Quillaroth Simulated Printer\n"
+      "        device-id = MFG:Quillaroth;MDL:Simulated Printer;"
+      "CMD:QUILLAROTH-ESC;CLS:PRINTER;DES:Quillaroth Simulated Printer;\n"
+      "        location = \n",
+      lpinfo.out);
+}
+
+// The readable example: a good printer, every line of the printer's log.
+TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
+  int job = RunJobOnPrinter(
+      "usb_good", "total=500\nremaining=123\nerror=000000\nsheet=8410\n",
+      kReportLevels);
+  ASSERT_NE(0, job);
+  EXPECT_EQ("printer-state-reasons=none\n"
+            "marker-colors=#00FF00\n"
+            "marker-levels=24\n"
+            "marker-message=Ink Ribbon = 123 / 500\n"
+            "marker-names=InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)\n"
+            "marker-types=ink-ribbon\n",
+            Attributes("usb_good"));
+  EXPECT_EQ("sim: cmd 1b 45 57 55\n"
+            "sim: cmd 1b 56 32 31\n"
+            "sim: reply 192 bytes\n",
+            PrinterLines(job));
+  EXPECT_EQ("usb: open (handle 1)\n"
+            "usb: claim interface 0\n"
+            "usb: interface 0 alternate setting 1\n"
+            "usb: GET_DEVICE_ID\n"
+            "usb: in 192 bytes (64+64+64+0)\n"
+            "usb: release interface 0\n"
+            "usb: close (handle 1)\n",
+            JobLines(job, "usb: "));
+  EXPECT_EQ("Read 192 bytes of back-channel data...\n", BackChannelWrites(job));
+}
+
+TEST_F(UsbBackendTest, PrinterErrorCodeRaisesItsReason) {
+  int job = RunJobOnPrinter(
+      "usb_error", "total=350\nremaining=300\nerror=060202\nsheet=8f00\n",
+      kReportLevels);
+  ASSERT_NE(0, job);
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
+                Markers("85", "Ink Ribbon = 300 / 350", kSheet8f00),
+            Attributes("usb_error"));
+  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+}
+
+TEST_F(UsbBackendTest, UsedUpRibbonRaisesTheRibbonReason) {
+  int job = RunJobOnPrinter(
+      "usb_usedup", "total=500\nremaining=0\nerror=000000\nsheet=8400\n",
+      kReportLevels);
+  ASSERT_NE(0, job);
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0005\n" +
+                Markers("0", "Ink Ribbon = 0 / 500", kSheet8400),
+            Attributes("usb_usedup"));
+}
+
+TEST_F(UsbBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
+  int job = RunJobOnPrinter("usb_unknown", "error=112233\n", kReportStatus);
+  ASSERT_NE(0, job);
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n",
+            Attributes("usb_unknown"));
+  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+}
+
+TEST_F(UsbBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
+  JobWaits waits;
+  waits.queries = 3;
+  waits.retry_sleeps = 2;
+  int job = RunJobOnPrinter("usb_sleepy", std::string(kRibbon) + "wake=2\n",
+                            kReportLevels, waits);
+  ASSERT_NE(0, job);
+  EXPECT_EQ("#retry_status=[wake_up=retrying(1/60)]\n"
+            "#retry_status=[wake_up=retrying(2/60)]\n"
+            "#retry_status=[wake_up=fulfilled(2/60)]\n",
+            cupsd().RetryStatusLines(job));
+  EXPECT_EQ(kRibbonShown, Attributes("usb_sleepy"));
+  EXPECT_EQ(kWakeUpAndQuery + kQueryAnswered + kQueryAnswered,
+            PrinterLines(job));
+}
+
+// Pieces of a reply end with a short packet or a zero-length one, so that
+// each is a bulk IN transfer of its own, passed on as one back-channel
+// write; a lone zero-length packet is an empty transfer that the backend
+// does not pass on.
+TEST_F(UsbBackendTest, ReplyInSeveralTransfersAndPackets) {
+  int job = RunJobOnPrinter(
+      "usb_split", std::string(kRibbon) + "split=64+100+28\nempty=1\n",
+      kReportLevels);
+  ASSERT_NE(0, job);
+  EXPECT_EQ(kRibbonShown, Attributes("usb_split"));
+  EXPECT_EQ(std::string(kWakeUp) + kQuery +
+                "sim: reply 192 bytes in pieces 64,100,28\n",
+            PrinterLines(job));
+  EXPECT_EQ("usb: in 0 bytes (0)\n"
+            "usb: in 64 bytes (64+0)\n"
+            "usb: in 100 bytes (64+36)\n"
+            "usb: in 28 bytes (28)\n",
+            InTransfers(job));
+  EXPECT_EQ("Read 64 bytes of back-channel data...\n"
+            "Read 100 bytes of back-channel data...\n"
+            "Read 28 bytes of back-channel data...\n",
+            BackChannelWrites(job));
+}
+
+// Protocol 1 has no bulk IN endpoint: the backend answers the probe one-way
+// and the filter asks nothing.
+TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
+  JobWaits waits;
+  waits.queries = 0;
+  int job = RunJobOnPrinter("usb_oneway", std::string(kRibbon) + "oneway=1\n",
+                            kBothCommands, waits);
+  ASSERT_NE(0, job);
+  EXPECT_EQ(kUnavailableShown, Attributes("usb_oneway"));
+  EXPECT_EQ(kWakeUp, PrinterLines(job));
+  EXPECT_EQ("usb: open (handle 1)\n"
+            "usb: claim interface 0\n"
+            "usb: GET_DEVICE_ID\n"
+            "usb: release interface 0\n"
+            "usb: close (handle 1)\n",
+            JobLines(job, "usb: "));
+}
+
+TEST_F(UsbBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
+  ASSERT_NE(0, RunJobOnPrinter("usb_twice", std::string(kRibbon) + "error=060202\n",
+                               kReportLevels));
+  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n" + kRibbonMarkers,
+            Attributes("usb_twice"));
+
+  // The printer has been seen to and its ribbon changed.
+  Script("total=350\nremaining=350\nerror=000000\nsheet=8f10\n");
+  ASSERT_NE(0, RunUsbJob("usb_twice", kReportLevels));
+  EXPECT_EQ("printer-state-reasons=none\n" +
+                Markers("100", "Ink Ribbon = 350 / 350", kSheet8f10),
+            Attributes("usb_twice"));
+}
+
+TEST_F(UsbBackendTest, BothCommandsInOneJobQueryTheirOwnReplies) {
+  JobWaits waits;
+  waits.queries = 2;
+  int job = RunJobOnPrinter("usb_both",
+                            std::string(kRibbon) + "reply=2:error=0b0507\n",
+                            kBothCommands, waits);
+  ASSERT_NE(0, job);
+  // The levels come from the first reply, the reasons from the second.
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0011\n" + kRibbonMarkers,
+            Attributes("usb_both"));
+  EXPECT_EQ(kWakeUpAndQuery + kQueryAnswered, PrinterLines(job));
+}
+
+// The faults.  A printer that vanishes or says nothing is reported as
+// unavailable; the filter exits 0 and nothing hangs.  On USB a reply that
+// breaks off with a reset (reset=N) is the device unplugged after N bytes.
+
+TEST_F(UsbBackendTest, PrinterUnpluggedInTheMiddleOfAReply) {
+  int job = RunUnansweredJob("usb_unplug", "reset=100\n");
+  ASSERT_NE(0, job);
+  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ("usb: in 100 bytes (64+36)\n"
+            "usb: unplugged\n",
+            InTransfers(job));
+  EXPECT_EQ("Read 100 bytes of back-channel data...\n", BackChannelWrites(job));
+}
+
+// The backend finds no printer, waits 5 s and looks again.
+TEST_F(UsbBackendTest, PrinterThatAppearsAfterTheFirstScanIsWaitedFor) {
+  JobWaits waits;
+  waits.missed_scans = 1;
+  int job = RunJobOnPrinter("usb_late", std::string(kRibbon) + "appear=2\n",
+                            kReportLevels, waits);
+  ASSERT_NE(0, job);
+  EXPECT_EQ(kRibbonShown, Attributes("usb_late"));
+  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ("libusb_get_device_list=0\nlibusb_get_device_list=1\n",
+            JobLines(job, "libusb_get_device_list="));
+}
+
+TEST_F(UsbBackendTest, PrinterThatNeverAnswers) {
+  int job = RunUnansweredJob("usb_silent", "none\n");
+  ASSERT_NE(0, job);
+  EXPECT_EQ(std::string(kWakeUp) + kQuery +
+                "sim: no reply to printer information\n",
+            PrinterLines(job));
+  EXPECT_EQ("", InTransfers(job));
+}
+
+// 192 bytes fill three 64-byte packets; without the zero-length packet that
+// should follow, the backend's 512-byte transfer waits for more and the
+// reply never reaches the filter.
+TEST_F(UsbBackendTest, ReplyWithoutItsZeroLengthPacketIsLost) {
+  int job = RunUnansweredJob("usb_nozlp", "zlp=0\n");
+  ASSERT_NE(0, job);
+  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ("", BackChannelWrites(job));
+}
+
+}  // namespace
