@@ -91,7 +91,7 @@ int parse_config_descriptor(const Bytes& raw,
     }
     if (d[1] == LIBUSB_DT_INTERFACE && d[0] >= LIBUSB_DT_INTERFACE_SIZE) {
       Alternate alternate{};
-      alternate.descriptor = {d[0], d[1], d[2], d[3], d[4], d[5],
+      alternate.descriptor = {d[0], d[1], d[2], d[3],    d[4],    d[5],
                               d[6], d[7], d[8], nullptr, nullptr, 0};
       alternates.push_back(alternate);
     } else if (d[1] == LIBUSB_DT_ENDPOINT && d[0] >= LIBUSB_DT_ENDPOINT_SIZE &&

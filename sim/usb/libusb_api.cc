@@ -26,9 +26,8 @@
 #include "sim/usb/usb_printer.h"
 #include "sim/usb/usb_script.h"
 
-struct libusb_context {
-  int unused;
-};
+// A context holds nothing: every context sees the one bus.
+struct libusb_context {};
 
 struct libusb_device {
   std::atomic<int> references;
@@ -126,7 +125,7 @@ extern "C" {
 // A context of its own when asked for one; all share the one bus.
 int LIBUSB_CALL libusb_init(libusb_context** context) {
   bus();
-  if (context != nullptr) *context = new libusb_context{0};
+  if (context != nullptr) *context = new libusb_context;
   return LIBUSB_SUCCESS;
 }
 
@@ -196,17 +195,17 @@ int LIBUSB_CALL libusb_get_device_descriptor(
 
 // The configuration by index (the device has one), parsed from the cached
 // copy; the caller frees it with libusb_free_config_descriptor().
-int LIBUSB_CALL libusb_get_config_descriptor(
-    libusb_device* device, uint8_t config_index,
-    struct libusb_config_descriptor** config) {
+int LIBUSB_CALL
+libusb_get_config_descriptor(libusb_device* device, uint8_t config_index,
+                             struct libusb_config_descriptor** config) {
   if (config_index != 0) return LIBUSB_ERROR_NOT_FOUND;
   return parse_config_descriptor(device->printer->ConfigurationDescriptor(),
                                  config);
 }
 
 // Frees what libusb_get_config_descriptor() made.
-void LIBUSB_CALL libusb_free_config_descriptor(
-    struct libusb_config_descriptor* config) {
+void LIBUSB_CALL
+libusb_free_config_descriptor(struct libusb_config_descriptor* config) {
   free_config_descriptor(config);
 }
 
@@ -301,23 +300,20 @@ int LIBUSB_CALL libusb_set_interface_alt_setting(libusb_device_handle* handle,
                                                  int alternate_setting) {
   return ask(handle, [&](UsbPrinter& printer) {
     return printer.SetAltSetting(handle->number, interface_number,
-                                alternate_setting);
+                                 alternate_setting);
   });
 }
 
 // Clears a halt on an endpoint.
 int LIBUSB_CALL libusb_clear_halt(libusb_device_handle* handle,
                                   unsigned char endpoint) {
-  return ask(handle, [&](UsbPrinter& printer) {
-    return printer.ClearHalt(endpoint);
-  });
+  return ask(handle,
+             [&](UsbPrinter& printer) { return printer.ClearHalt(endpoint); });
 }
 
 // Resets the device's port.
 int LIBUSB_CALL libusb_reset_device(libusb_device_handle* handle) {
-  return ask(handle, [&](UsbPrinter& printer) {
-    return printer.Reset();
-  });
+  return ask(handle, [&](UsbPrinter& printer) { return printer.Reset(); });
 }
 
 // A control transfer; the device answers at once, so the time-out never
@@ -349,9 +345,10 @@ int LIBUSB_CALL libusb_bulk_transfer(libusb_device_handle* handle,
 // A string descriptor in ASCII: the device's first language, each UTF-16
 // character outside ASCII as '?', cut to length - 1 bytes and terminated;
 // the count of characters.
-int LIBUSB_CALL libusb_get_string_descriptor_ascii(
-    libusb_device_handle* handle, uint8_t index, unsigned char* data,
-    int length) {
+int LIBUSB_CALL libusb_get_string_descriptor_ascii(libusb_device_handle* handle,
+                                                   uint8_t index,
+                                                   unsigned char* data,
+                                                   int length) {
   if (index == 0 || length < 1) return LIBUSB_ERROR_INVALID_PARAM;
   unsigned char buffer[255];
   uint16_t descriptor = static_cast<uint16_t>(LIBUSB_DT_STRING << 8);

@@ -32,9 +32,9 @@ void put16(Bytes* out, uint16_t value) {
 // Appends an interface descriptor.
 void put_interface(Bytes* out, uint8_t alternate, uint8_t endpoints,
                    uint8_t protocol) {
-  put(out, {LIBUSB_DT_INTERFACE_SIZE, LIBUSB_DT_INTERFACE,
-            kPrinterInterface, alternate, endpoints, LIBUSB_CLASS_PRINTER,
-            kPrinterSubclass, protocol, 0});
+  put(out, {LIBUSB_DT_INTERFACE_SIZE, LIBUSB_DT_INTERFACE, kPrinterInterface,
+            alternate, endpoints, LIBUSB_CLASS_PRINTER, kPrinterSubclass,
+            protocol, 0});
 }
 
 // Appends a bulk endpoint descriptor.
@@ -89,7 +89,8 @@ Bytes string_descriptor(uint8_t index) {
   if (index > 3) return Bytes();
   const char* text = kStrings[index - 1];
   Bytes out = {static_cast<uint8_t>(2 + 2 * strlen(text)), LIBUSB_DT_STRING};
-  for (const char* c = text; *c != '\0'; c++) put16(&out, static_cast<uint8_t>(*c));
+  for (const char* c = text; *c != '\0'; c++)
+    put16(&out, static_cast<uint8_t>(*c));
   return out;
 }
 

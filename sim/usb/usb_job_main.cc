@@ -71,10 +71,12 @@ pid_t start(const std::vector<std::string>& argv, const ChildFds& fds,
   for (int i = 0; i < 5; i++) dup2(moved[i], i);
   close_range(5, ~0U, 0);
   std::vector<char*> args;
-  for (const std::string& word : argv) args.push_back(const_cast<char*>(word.c_str()));
+  for (const std::string& word : argv)
+    args.push_back(const_cast<char*>(word.c_str()));
   args.push_back(nullptr);
   std::vector<char*> envp;
-  for (const std::string& item : env) envp.push_back(const_cast<char*>(item.c_str()));
+  for (const std::string& item : env)
+    envp.push_back(const_cast<char*>(item.c_str()));
   envp.push_back(nullptr);
   execve(args[0], args.data(), envp.data());
   fprintf(stderr, "quillaroth-usb-job: cannot run %s: %s\n", args[0],
@@ -121,26 +123,28 @@ int wait_for(pid_t pid) {
 // Runs the job and prints its lines.
 int main(int argc, char** argv) {
   if (argc != 5) {
-    fprintf(stderr, "Usage: quillaroth-usb-job FILTER BACKEND SCRIPT COMMANDS\n");
+    fprintf(stderr,
+            "Usage: quillaroth-usb-job FILTER BACKEND SCRIPT COMMANDS\n");
     return 2;
   }
   int commands = open(argv[4], O_RDONLY | O_CLOEXEC);
   if (commands < 0) die(argv[4]);
   int side[2], back[2], data[2], filter_err[2], backend_err[2];
-  if (socketpair(AF_LOCAL, SOCK_STREAM | SOCK_CLOEXEC, 0, side) != 0) die("socketpair");
+  if (socketpair(AF_LOCAL, SOCK_STREAM | SOCK_CLOEXEC, 0, side) != 0)
+    die("socketpair");
   if (pipe2(back, O_CLOEXEC) != 0 || pipe2(data, O_CLOEXEC) != 0 ||
       pipe2(filter_err, O_CLOEXEC) != 0 || pipe2(backend_err, O_CLOEXEC) != 0)
     die("pipe");
   for (int fd : {side[0], side[1], back[0], back[1]})
     fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
 
-  std::vector<std::string> env = {"PATH=/usr/bin:/bin", "LANG=C",
-                                  std::string("DEVICE_URI=") + kDeviceUri,
-                                  std::string(kUsbScriptVariable) + "=" + argv[3]};
+  std::vector<std::string> env = {
+      "PATH=/usr/bin:/bin", "LANG=C", std::string("DEVICE_URI=") + kDeviceUri,
+      std::string(kUsbScriptVariable) + "=" + argv[3]};
   double start_time = now();
-  pid_t filter = start({argv[1], "1", "user", "title", "1", ""},
-                       {{commands, data[1], filter_err[1], back[0], side[0]}},
-                       env);
+  pid_t filter =
+      start({argv[1], "1", "user", "title", "1", ""},
+            {{commands, data[1], filter_err[1], back[0], side[0]}}, env);
   pid_t backend = start({argv[2], "1", "user", "title", "1", ""},
                         {{data[0], -1, backend_err[1], back[1], side[1]}}, env);
   for (int fd : {commands, side[0], side[1], back[0], back[1], data[0], data[1],

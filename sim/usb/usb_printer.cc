@@ -30,15 +30,13 @@ constexpr std::chrono::microseconds kHighSpeedMicroframe{125};
 constexpr size_t kHighSpeedPacketsPerMicroframe = 13;
 constexpr size_t kHighSpeedPacketSize = 512;
 
-constexpr uint8_t kClassInterfaceIn = LIBUSB_REQUEST_TYPE_CLASS |
-                                      LIBUSB_RECIPIENT_INTERFACE |
-                                      LIBUSB_ENDPOINT_IN;
+constexpr uint8_t kClassInterfaceIn =
+    LIBUSB_REQUEST_TYPE_CLASS | LIBUSB_RECIPIENT_INTERFACE | LIBUSB_ENDPOINT_IN;
 constexpr uint8_t kClassInterfaceOut = LIBUSB_REQUEST_TYPE_CLASS |
                                        LIBUSB_RECIPIENT_INTERFACE |
                                        LIBUSB_ENDPOINT_OUT;
-constexpr uint8_t kStandardDeviceIn = LIBUSB_REQUEST_TYPE_STANDARD |
-                                      LIBUSB_RECIPIENT_DEVICE |
-                                      LIBUSB_ENDPOINT_IN;
+constexpr uint8_t kStandardDeviceIn =
+    LIBUSB_REQUEST_TYPE_STANDARD | LIBUSB_RECIPIENT_DEVICE | LIBUSB_ENDPOINT_IN;
 
 // Copies as much of the answer as the request asked for; the count.
 int answer(const Bytes& bytes, uint8_t* data, uint16_t length) {
@@ -64,8 +62,8 @@ UsbPrinter::UsbPrinter(const UsbScript& script, SimLog& printer_log,
       printer_log_(printer_log),
       usb_log_(usb_log),
       device_descriptor_(device_descriptor()),
-      configuration_(configuration_descriptor(script.oneway,
-                                              script.packet_size)),
+      configuration_(
+          configuration_descriptor(script.oneway, script.packet_size)),
       configuration_value_(kConfigurationValue) {}
 
 // From the scripted scan on, until the unplug.
@@ -219,7 +217,8 @@ int UsbPrinter::Control(uint8_t request_type, uint8_t request, uint16_t value,
       usb_log_.Line("GET_DEVICE_ID");
       return answer(device_id_answer(), data, length);
     }
-    if (request == kGetPortStatus) return answer({kPortStatusGood}, data, length);
+    if (request == kGetPortStatus)
+      return answer({kPortStatusGood}, data, length);
   }
   if (request_type == kClassInterfaceOut && request == kSoftReset &&
       (index & 0xff) == kPrinterInterface) {
@@ -271,8 +270,8 @@ int UsbPrinter::Bulk(int handle, uint8_t endpoint, uint8_t* data, int length,
 // Whole (micro)frames, at least one.
 std::chrono::microseconds UsbPrinter::BusTime(size_t packets) const {
   bool high_speed = script_.packet_size == kHighSpeedPacketSize;
-  size_t per_frame = high_speed ? kHighSpeedPacketsPerMicroframe
-                                : kFullSpeedPacketsPerFrame;
+  size_t per_frame =
+      high_speed ? kHighSpeedPacketsPerMicroframe : kFullSpeedPacketsPerFrame;
   size_t frames = std::max<size_t>(1, (packets + per_frame - 1) / per_frame);
   return static_cast<long>(frames) *
          (high_speed ? kHighSpeedMicroframe : kFullSpeedFrame);
@@ -294,8 +293,7 @@ int UsbPrinter::CheckEndpoint(int handle, uint8_t endpoint) {
 // The printer takes the bytes, logs each command and the reply it plans,
 // and its replies go onto the IN endpoint.  A hung printer takes nothing.
 int UsbPrinter::Write(std::unique_lock<std::mutex>& lock, const uint8_t* data,
-                      int length, int* transferred,
-                      unsigned int timeout_ms) {
+                      int length, int* transferred, unsigned int timeout_ms) {
   if (printer_->hung()) {
     auto gone = [this] { return unplugged_; };
     if (timeout_ms == 0)
@@ -364,8 +362,8 @@ void UsbPrinter::QueueUnplug() {
 int UsbPrinter::Read(std::unique_lock<std::mutex>& lock, uint8_t* data,
                      int length, int* transferred, unsigned int timeout_ms,
                      size_t* packets) {
-  auto deadline = std::chrono::steady_clock::now() +
-                  std::chrono::milliseconds(timeout_ms);
+  auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
   std::vector<size_t> sizes;
   size_t got = 0;
   for (;;) {

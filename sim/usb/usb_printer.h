@@ -10,14 +10,16 @@
 // Bulk OUT data goes to the printer (PrinterCore; a new one for each claim
 // of the interface, as for each connection of another transport), whose
 // replies are queued as packets of at most the endpoint's wMaxPacketSize.
-// A reply that ends in a reset unplugs the device after its last piece; a
-// printer that has hung takes no more bulk OUT data (the transfer waits for
-// its time-out, as on a device that answers every packet with NAK).  A bulk IN transfer
-// of N bytes takes packets until it has N bytes or a short packet (a
-// zero-length one included) ends it, as a host controller does; with
-// nothing to take it waits, on a condition variable, for a packet, its
-// time-out or the unplug.  Once unplugged, every operation on the device
-// fails with LIBUSB_ERROR_NO_DEVICE and device scans no longer find it.
+// A bulk IN transfer of N bytes takes packets until it has N bytes or a
+// short packet (a zero-length one included) ends it, as a host controller
+// does; with nothing to take it waits, on a condition variable, for a
+// packet, its time-out or the unplug.
+//
+// A reply that ends in a reset unplugs the device after its last piece:
+// from then on every operation on the device fails with
+// LIBUSB_ERROR_NO_DEVICE and device scans no longer find it.  A printer
+// that has hung takes no more bulk OUT data: the transfer waits for its
+// time-out, as on a device that answers every packet with NAK.
 //
 // Transfers take the time that the bus takes: a bulk transfer ends at the
 // end of the (micro)frame that carries its last packet, at least one frame
@@ -37,7 +39,6 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
-
 #include <optional>
 
 #include "sim/printer_core.h"
@@ -105,8 +106,8 @@ class UsbPrinter {
   int CheckEndpoint(int handle, uint8_t endpoint);
   // Hands bulk OUT data to the printer and queues its replies; waits like
   // the transfer's time-out when the printer has hung.
-  int Write(std::unique_lock<std::mutex>& lock, const uint8_t* data,
-            int length, int* transferred, unsigned int timeout_ms);
+  int Write(std::unique_lock<std::mutex>& lock, const uint8_t* data, int length,
+            int* transferred, unsigned int timeout_ms);
   // Queues one reply as packets, and the unplug if it ends in one.
   void QueueReply(const ReplyPlan& plan);
   // Queues one piece of a reply as packets.

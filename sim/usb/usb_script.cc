@@ -26,12 +26,16 @@ bool set_device_key(UsbScript* script, const std::string& key,
   } else if (key == "packet") {
     ok = parse_count(value, 8, 512, &n) &&
          (n == 8 || n == 16 || n == 32 || n == 64 || n == 512);
-    if (ok) script->packet_size = static_cast<size_t>(n);
-    else *why = "packet takes 8, 16, 32, 64 or 512, not \"" + value + "\"";
+    if (ok)
+      script->packet_size = static_cast<size_t>(n);
+    else
+      *why = "packet takes 8, 16, 32, 64 or 512, not \"" + value + "\"";
   } else if (key == "empty" || key == "appear") {
     ok = parse_count(value, key == "appear" ? 1 : 0, 1000000, &n);
-    if (ok) (key == "empty" ? script->empty_packets : script->appear_at_scan) = n;
-    else *why = key + " takes a number, not \"" + value + "\"";
+    if (ok)
+      (key == "empty" ? script->empty_packets : script->appear_at_scan) = n;
+    else
+      *why = key + " takes a number, not \"" + value + "\"";
   }
   return ok;
 }

@@ -45,12 +45,12 @@
 constexpr char kUsbScriptVariable[] = "QUILLAROTH_USB_PRINTER";
 
 struct UsbScript {
-  Scenario printer;           // what the printer answers
-  bool oneway = false;        // interface protocol 1, bulk OUT only
-  size_t packet_size = 64;    // wMaxPacketSize of the bulk endpoints
-  bool end_with_zlp = true;   // a reply that fills its last packet ends so
-  long empty_packets = 0;     // lone zero-length packets ahead of a reply
-  long appear_at_scan = 1;    // the first device scan that finds it
+  Scenario printer;          // what the printer answers
+  bool oneway = false;       // interface protocol 1, bulk OUT only
+  size_t packet_size = 64;   // wMaxPacketSize of the bulk endpoints
+  bool end_with_zlp = true;  // a reply that fills its last packet ends so
+  long empty_packets = 0;    // lone zero-length packets ahead of a reply
+  long appear_at_scan = 1;   // the first device scan that finds it
 };
 
 // Sets one key of the script.  On a bad key or value returns false and says

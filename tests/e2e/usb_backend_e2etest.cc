@@ -51,12 +51,17 @@ constexpr double kSideChannelThreadWait = 3.0;
 constexpr double kReadThreadWait = 7.0 + 1.0;
 constexpr double kSchedulerSlack = 3.0;
 
-// What a job waits for beyond one query that is answered at once.
+// What a job waits for: by default one query, answered at once.
 struct JobWaits {
   int queries = 1;
   int retry_sleeps = 0;
   int failed_reads = 0;
   int missed_scans = 0;
+
+  JobWaits& Queries(int n) { queries = n; return *this; }
+  JobWaits& RetrySleeps(int n) { retry_sleeps = n; return *this; }
+  JobWaits& FailedReads(int n) { failed_reads = n; return *this; }
+  JobWaits& MissedScans(int n) { missed_scans = n; return *this; }
 };
 
 // The longest that a job with these waits may take, in seconds.
@@ -81,7 +86,8 @@ std::string Markers(const std::string& level, const std::string& message,
 const char kRibbon[] = "total=500\nremaining=123\nsheet=8410\n";
 const std::string kRibbonMarkers =
     Markers("24", "Ink Ribbon = 123 / 500", kSheet8410);
-const std::string kRibbonShown = "printer-state-reasons=none\n" + kRibbonMarkers;
+const std::string kRibbonShown =
+    "printer-state-reasons=none\n" + kRibbonMarkers;
 // A printer that could not be asked, as the queue shows it.
 const std::string kUnavailableShown =
     "printer-state-reasons=com.quillaroth-error0023\n" +
@@ -91,7 +97,8 @@ const std::string kUnavailableShown =
 // answers, as it logs them.
 const char kWakeUp[] = "sim: cmd 1b 45 57 55\n";
 const char kQuery[] = "sim: cmd 1b 56 32 31\n";
-const std::string kQueryAnswered = std::string(kQuery) + "sim: reply 192 bytes\n";
+const std::string kQueryAnswered =
+    std::string(kQuery) + "sim: reply 192 bytes\n";
 const std::string kWakeUpAndQuery = kWakeUp + kQueryAnswered;
 
 class UsbBackendTest : public CupsdTest {
@@ -156,9 +163,8 @@ class UsbBackendTest : public CupsdTest {
   // filter (one failed read), and checks that the queue shows the printer
   // unavailable.  Returns the job's id (0 on failure).
   int RunUnansweredJob(const std::string& queue, const std::string& script) {
-    JobWaits waits;
-    waits.failed_reads = 1;
-    int job = RunJobOnPrinter(queue, script, kReportLevels, waits);
+    int job = RunJobOnPrinter(queue, script, kReportLevels,
+                              JobWaits().FailedReads(1));
     EXPECT_EQ(kUnavailableShown, Attributes(queue));
     return job;
   }
@@ -242,7 +248,9 @@ class UsbBackendTest : public CupsdTest {
   static std::string ExpectedExits(int job) {
     std::string tag = "[Job " + std::to_string(job) + "] ";
     return tag + "PID n (ROOT/bin/backend/usb) exited with no errors.\n" +
-           tag + "PID n (ROOT/bin/filter/commandtoquillaroth) exited with no errors.\n";
+           tag +
+           "PID n (ROOT/bin/filter/commandtoquillaroth) exited with no "
+           "errors.\n";
   }
 
   // The scheduler's lines about the job's processes ending, process ids and
@@ -343,11 +351,9 @@ TEST_F(UsbBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
 }
 
 TEST_F(UsbBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
-  JobWaits waits;
-  waits.queries = 3;
-  waits.retry_sleeps = 2;
   int job = RunJobOnPrinter("usb_sleepy", std::string(kRibbon) + "wake=2\n",
-                            kReportLevels, waits);
+                            kReportLevels,
+                            JobWaits().Queries(3).RetrySleeps(2));
   ASSERT_NE(0, job);
   EXPECT_EQ("#retry_status=[wake_up=retrying(1/60)]\n"
             "#retry_status=[wake_up=retrying(2/60)]\n"
@@ -385,10 +391,8 @@ TEST_F(UsbBackendTest, ReplyInSeveralTransfersAndPackets) {
 // Protocol 1 has no bulk IN endpoint: the backend answers the probe one-way
 // and the filter asks nothing.
 TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
-  JobWaits waits;
-  waits.queries = 0;
   int job = RunJobOnPrinter("usb_oneway", std::string(kRibbon) + "oneway=1\n",
-                            kBothCommands, waits);
+                            kBothCommands, JobWaits().Queries(0));
   ASSERT_NE(0, job);
   EXPECT_EQ(kUnavailableShown, Attributes("usb_oneway"));
   EXPECT_EQ(kWakeUp, PrinterLines(job));
@@ -401,7 +405,8 @@ TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
 }
 
 TEST_F(UsbBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
-  ASSERT_NE(0, RunJobOnPrinter("usb_twice", std::string(kRibbon) + "error=060202\n",
+  ASSERT_NE(0, RunJobOnPrinter("usb_twice",
+                               std::string(kRibbon) + "error=060202\n",
                                kReportLevels));
   ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n" + kRibbonMarkers,
             Attributes("usb_twice"));
@@ -415,11 +420,9 @@ TEST_F(UsbBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
 }
 
 TEST_F(UsbBackendTest, BothCommandsInOneJobQueryTheirOwnReplies) {
-  JobWaits waits;
-  waits.queries = 2;
   int job = RunJobOnPrinter("usb_both",
                             std::string(kRibbon) + "reply=2:error=0b0507\n",
-                            kBothCommands, waits);
+                            kBothCommands, JobWaits().Queries(2));
   ASSERT_NE(0, job);
   // The levels come from the first reply, the reasons from the second.
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0011\n" + kRibbonMarkers,
@@ -443,10 +446,8 @@ TEST_F(UsbBackendTest, PrinterUnpluggedInTheMiddleOfAReply) {
 
 // The backend finds no printer, waits 5 s and looks again.
 TEST_F(UsbBackendTest, PrinterThatAppearsAfterTheFirstScanIsWaitedFor) {
-  JobWaits waits;
-  waits.missed_scans = 1;
   int job = RunJobOnPrinter("usb_late", std::string(kRibbon) + "appear=2\n",
-                            kReportLevels, waits);
+                            kReportLevels, JobWaits().MissedScans(1));
   ASSERT_NE(0, job);
   EXPECT_EQ(kRibbonShown, Attributes("usb_late"));
   EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
