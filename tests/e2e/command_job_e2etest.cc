@@ -20,32 +20,6 @@ namespace {
 const char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
 const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
 
-// The marker attributes of a ribbon with the given level, message and
-// ink-sheet name, as the queue shows them.
-std::string Markers(const std::string& level, const std::string& message,
-                    const std::string& names) {
-  return "marker-colors=#00FF00\n"
-         "marker-levels=" +
-         level +
-         "\n"
-         "marker-message=" +
-         message +
-         "\n"
-         "marker-names=" +
-         names +
-         "\n"
-         "marker-types=ink-ribbon\n";
-}
-
-// The printer's state reasons and ribbon as the queue shows them, with the
-// marker level and the ink sheet's name that its counts and type give.
-std::string Shown(const std::string& reasons, const SimPrinter& printer,
-                  const std::string& level, const char* sheet) {
-  return "printer-state-reasons=" + reasons + "\n" +
-         Markers(level, printer.RibbonMessage(),
-                 std::string("InkSheetType: ") + sheet);
-}
-
 // A printer with these counts, error code and ink sheet.
 SimPrinter Printer(uint16_t total, uint16_t remaining, uint32_t error,
                    uint16_t sheet) {

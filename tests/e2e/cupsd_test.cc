@@ -103,7 +103,8 @@ int CupsdTest::RunCommandJob(const std::string& queue,
 // The filter chain that every command job of the queue must take: our
 // filter alone, its output passed unchanged to the backend.
 std::string CupsdTest::ExpectedFilterChain(int job_id,
-                                           const std::string& queue) {
+                                           const std::string& queue,
+                                           const std::string& backend) {
   std::string job = "[Job " + std::to_string(job_id) + "] ";
   return job + "2 filters for job:\n" +
          job + "commandtoquillaroth (application/vnd.cups-command to printer/" +
@@ -111,5 +112,23 @@ std::string CupsdTest::ExpectedFilterChain(int job_id,
          job + "- (printer/" + queue +
          "/application/vnd.cups-command to printer/" + queue + ", cost 0)\n" +
          job + "Started filter ROOT/bin/filter/commandtoquillaroth (PID n)\n" +
-         job + "Started backend ROOT/bin/backend/quillarothsim (PID n)\n";
+         job + "Started backend ROOT/bin/backend/" + backend + " (PID n)\n";
+}
+
+// The five marker lines, in the order in which the queue lists them.
+std::string Markers(const std::string& level, const std::string& message,
+                    const std::string& names) {
+  return "marker-colors=#00FF00\n"
+         "marker-levels=" + level + "\n"
+         "marker-message=" + message + "\n"
+         "marker-names=" + names + "\n"
+         "marker-types=ink-ribbon\n";
+}
+
+// The reasons, then the markers of the printer's ribbon.
+std::string Shown(const std::string& reasons, const SimPrinter& printer,
+                  const std::string& level, const char* sheet) {
+  return "printer-state-reasons=" + reasons + "\n" +
+         Markers(level, printer.RibbonMessage(),
+                 std::string("InkSheetType: ") + sheet);
 }

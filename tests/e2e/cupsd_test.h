@@ -15,6 +15,17 @@
 #include <vector>
 
 #include "tests/e2e/private_cupsd.h"
+#include "tests/support/sim_printer.h"
+
+// The marker attributes of a ribbon with the given level, message and
+// ink-sheet name, as the queue shows them.
+std::string Markers(const std::string& level, const std::string& message,
+                    const std::string& names);
+
+// The printer's state reasons and ribbon as the queue shows them, with the
+// marker level and the ink sheet's name that its counts and type give.
+std::string Shown(const std::string& reasons, const SimPrinter& printer,
+                  const std::string& level, const char* sheet);
 
 // The GoogleTest environment that stops the shared scheduler at the end.
 class CupsdEnvironment : public ::testing::Environment {
@@ -41,8 +52,11 @@ class CupsdTest : public ::testing::Test {
   // that it completed through exactly our filter and the backend; returns
   // its id (0 on failure, which has then been reported).
   int RunCommandJob(const std::string& queue, const std::string& commands);
-  // The filter chain that every command job of the queue must take.
-  static std::string ExpectedFilterChain(int job_id, const std::string& queue);
+  // The filter chain that every command job of the queue must take, to the
+  // simulated printer's backend or another one.
+  static std::string ExpectedFilterChain(
+      int job_id, const std::string& queue,
+      const std::string& backend = "quillarothsim");
 
  private:
   std::vector<int> jobs_;
