@@ -3,10 +3,11 @@
 // The private scheduler's backend folder gets the wrapper backend "usb",
 // which runs the system's usb backend on the emulated libusb-1.0 (sim/usb),
 // and the printer's script beside it (bin/backend/usb-printer), rewritten
-// before each job.  The queues point at the device URI that the backend
-// makes for the printer.  Besides the queue's attributes over IPP, each test
-// checks what the printer received and answered (the emulation's "sim:" and
-// "usb:" lines in the job's log) and that the job ended within its bound.
+// before each job from the test's SimPrinter.  The queues point at the
+// device URI that the backend makes for the printer.  Besides the queue's
+// attributes over IPP, each test checks what the printer received and
+// answered (the emulation's "sim:" and "usb:" lines in the job's log) and
+// that the job ended within its bound.
 //
 // The bound of a job is the filter's own waits plus the backend's, plus 3 s
 // for the scheduler: 0.5 s after the wake-up command, 5 s for each drain
@@ -29,6 +30,8 @@
 #include <vector>
 
 #include "tests/e2e/cupsd_test.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
@@ -36,13 +39,9 @@ const char kUsbUri[] = "usb://Quillaroth/Simulated%20Printer?serial=SIM0001";
 const char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
 const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
 const char kBothCommands[] = "#CUPS-COMMAND\nReportLevels\nReportStatus\n";
-const char kSheet8410[] = "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)";
-const char kSheet8400[] = "InkSheetType: PV-R31A 13x18(5x7\u2033)";
-const char kSheet8f00[] = "InkSheetType: PV-R32A 15x20(6x8\u2033)";
-const char kSheet8f10[] = "InkSheetType: PV-R32A(GX) 15x20(6x8\u2033)";
 
 // The waits of the filter and of the usb backend, in seconds.
-constexpr double kWakeUpPause = 0.5;
+constexpr double kWakeUpPauseSeconds = 0.5;
 constexpr double kDrainTimeout = 5.0;
 constexpr double kRetrySleep = 1.0;
 constexpr double kReadTimeout = 1.0;
@@ -66,40 +65,46 @@ struct JobWaits {
 
 // The longest that a job with these waits may take, in seconds.
 double JobBound(const JobWaits& waits) {
-  return kWakeUpPause + (1 + waits.queries) * kDrainTimeout +
+  return kWakeUpPauseSeconds + (1 + waits.queries) * kDrainTimeout +
          waits.retry_sleeps * kRetrySleep + waits.failed_reads * kReadTimeout +
          waits.missed_scans * kRescanSleep + kSideChannelThreadWait +
          kReadThreadWait + kSchedulerSlack;
 }
 
-// The marker attributes of a ribbon, as the queue shows them.
-std::string Markers(const std::string& level, const std::string& message,
-                    const std::string& names) {
-  return "marker-colors=#00FF00\n"
-         "marker-levels=" + level + "\n"
-         "marker-message=" + message + "\n"
-         "marker-names=" + names + "\n"
-         "marker-types=ink-ribbon\n";
+// The printer of most tests: 123 of 500 prints left on a PV-R31A(GX) sheet.
+SimPrinter Ribbon() { return SimPrinter().Total(500).Remaining(123); }
+
+// The script that makes the emulated printer this simulated one: its
+// simulator options as key=value lines (the option table gives both the
+// same names), then the device's own lines.
+std::string Script(const SimPrinter& printer, const std::string& device = "") {
+  std::string script;
+  std::vector<std::string> options = printer.SimOptions();
+  for (size_t i = 0; i < options.size(); i++) {
+    std::string key = options[i].substr(2);
+    bool has_value = i + 1 < options.size() &&
+                     options[i + 1].compare(0, 2, "--") != 0 &&
+                     key.find('=') == std::string::npos;
+    script += has_value ? key + "=" + options[++i] + "\n" : key + "\n";
+  }
+  return script + device;
 }
 
-// The ribbon of most tests' printer, and how the queue shows it.
-const char kRibbon[] = "total=500\nremaining=123\nsheet=8410\n";
-const std::string kRibbonMarkers =
-    Markers("24", "Ink Ribbon = 123 / 500", kSheet8410);
-const std::string kRibbonShown =
-    "printer-state-reasons=none\n" + kRibbonMarkers;
 // A printer that could not be asked, as the queue shows it.
 const std::string kUnavailableShown =
     "printer-state-reasons=com.quillaroth-error0023\n" +
     Markers("-2", " ", "InkSheetType: 00");
 
-// The wake-up command and a printer-information query that the printer
-// answers, as it logs them.
+// What the printer logs for the wake-up command, and for the first n
+// printer-information queries with its answers.
 const char kWakeUp[] = "sim: cmd 1b 45 57 55\n";
 const char kQuery[] = "sim: cmd 1b 56 32 31\n";
-const std::string kQueryAnswered =
-    std::string(kQuery) + "sim: reply 192 bytes\n";
-const std::string kWakeUpAndQuery = kWakeUp + kQueryAnswered;
+std::string Queries(const SimPrinter& printer, int n) {
+  std::string lines = kWakeUp;
+  for (int query = 1; query <= n; query++)
+    lines += kQuery + printer.SimAnswerLines(query);
+  return lines;
+}
 
 class UsbBackendTest : public CupsdTest {
  protected:
@@ -129,7 +134,7 @@ class UsbBackendTest : public CupsdTest {
       fs::create_symlink(CUPS_DEVICED_PATH, deviced, error);
     ASSERT_FALSE(error) << "linking " << CUPS_DEVICED_PATH << ": "
                         << error.message();
-    Script("");
+    WriteScript("");
   }
 
   // On failure, the scheduler's log of this test's jobs.
@@ -142,28 +147,30 @@ class UsbBackendTest : public CupsdTest {
   }
 
   // Writes the printer's script for the next job.
-  void Script(const std::string& text) {
+  void WriteScript(const std::string& text) {
     std::ofstream file(cupsd().root() + "/bin/backend/usb-printer",
                        std::ios::binary | std::ios::trunc);
     file << text;
     ASSERT_TRUE(file.good());
   }
 
-  // Adds a queue on the emulated printer, gives the printer the script,
-  // and runs a command job (see RunUsbJob).
-  int RunJobOnPrinter(const std::string& queue, const std::string& script,
-                      const std::string& commands,
+  // Adds a queue on the emulated printer, makes it the simulated printer
+  // with the device's own script lines, and runs a command job (see
+  // RunUsbJob).
+  int RunJobOnPrinter(const std::string& queue, const SimPrinter& printer,
+                      const std::string& device, const std::string& commands,
                       const JobWaits& waits = JobWaits()) {
     AddQueue(queue, kUsbUri);
-    Script(script);
+    WriteScript(Script(printer, device));
     return RunUsbJob(queue, commands, waits);
   }
 
   // Runs a ReportLevels job on a printer whose reply does not reach the
   // filter (one failed read), and checks that the queue shows the printer
   // unavailable.  Returns the job's id (0 on failure).
-  int RunUnansweredJob(const std::string& queue, const std::string& script) {
-    int job = RunJobOnPrinter(queue, script, kReportLevels,
+  int RunUnansweredJob(const std::string& queue, const SimPrinter& printer,
+                       const std::string& device) {
+    int job = RunJobOnPrinter(queue, printer, device, kReportLevels,
                               JobWaits().FailedReads(1));
     EXPECT_EQ(kUnavailableShown, Attributes(queue));
     return job;
@@ -194,7 +201,8 @@ class UsbBackendTest : public CupsdTest {
                          .count();
     EXPECT_EQ(IPP_JSTATE_COMPLETED, state) << "job " << job << " on " << queue;
     EXPECT_LE(seconds, bound) << "job " << job << " on " << queue;
-    EXPECT_EQ(ExpectedChain(job, queue), cupsd().FilterChain(job));
+    EXPECT_EQ(ExpectedFilterChain(job, queue, "usb"),
+              cupsd().FilterChain(job));
     EXPECT_EQ(ExpectedExits(job), ProcessExits(job));
     return state == IPP_JSTATE_COMPLETED ? job : 0;
   }
@@ -234,16 +242,6 @@ class UsbBackendTest : public CupsdTest {
   }
 
  private:
-  // Our filter alone, its output passed unchanged to the usb backend.
-  static std::string ExpectedChain(int job, const std::string& queue) {
-    std::string chain = ExpectedFilterChain(job, queue);
-    const std::string kSimBackend = "backend/quillarothsim";
-    size_t at = chain.find(kSimBackend);
-    if (at != std::string::npos)
-      chain.replace(at, kSimBackend.size(), "backend/usb");
-    return chain;
-  }
-
   // The filter and the backend ended with status 0.
   static std::string ExpectedExits(int job) {
     std::string tag = "[Job " + std::to_string(job) + "] ";
@@ -295,9 +293,7 @@ TEST_F(UsbBackendTest, LpinfoListsTheEmulatedPrinter) {
 
 // The readable example: a good printer, every line of the printer's log.
 TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
-  int job = RunJobOnPrinter(
-      "usb_good", "total=500\nremaining=123\nerror=000000\nsheet=8410\n",
-      kReportLevels);
+  int job = RunJobOnPrinter("usb_good", Ribbon(), "", kReportLevels);
   ASSERT_NE(0, job);
   EXPECT_EQ("printer-state-reasons=none\n"
             "marker-colors=#00FF00\n"
@@ -308,7 +304,8 @@ TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
             Attributes("usb_good"));
   EXPECT_EQ("sim: cmd 1b 45 57 55\n"
             "sim: cmd 1b 56 32 31\n"
-            "sim: reply 192 bytes\n",
+            "sim: reply 192 bytes: power 00, error 00 00 00, sheet 84 10, "
+            "ribbon 123/500\n",
             PrinterLines(job));
   EXPECT_EQ("usb: open (handle 1)\n"
             "usb: claim interface 0\n"
@@ -322,46 +319,43 @@ TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
 }
 
 TEST_F(UsbBackendTest, PrinterErrorCodeRaisesItsReason) {
-  int job = RunJobOnPrinter(
-      "usb_error", "total=350\nremaining=300\nerror=060202\nsheet=8f00\n",
-      kReportLevels);
+  SimPrinter printer =
+      SimPrinter().Total(350).Remaining(300).Error(0x060202).Sheet(0x8f00);
+  int job = RunJobOnPrinter("usb_error", printer, "", kReportLevels);
   ASSERT_NE(0, job);
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
-                Markers("85", "Ink Ribbon = 300 / 350", kSheet8f00),
+  EXPECT_EQ(Shown("com.quillaroth-error0001", printer, "85", kSheetPvR32a),
             Attributes("usb_error"));
-  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ(Queries(printer, 1), PrinterLines(job));
 }
 
 TEST_F(UsbBackendTest, UsedUpRibbonRaisesTheRibbonReason) {
-  int job = RunJobOnPrinter(
-      "usb_usedup", "total=500\nremaining=0\nerror=000000\nsheet=8400\n",
-      kReportLevels);
-  ASSERT_NE(0, job);
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0005\n" +
-                Markers("0", "Ink Ribbon = 0 / 500", kSheet8400),
+  SimPrinter printer = SimPrinter().Total(500).Remaining(0).Sheet(0x8400);
+  ASSERT_NE(0, RunJobOnPrinter("usb_usedup", printer, "", kReportLevels));
+  EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31a),
             Attributes("usb_usedup"));
 }
 
 TEST_F(UsbBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
-  int job = RunJobOnPrinter("usb_unknown", "error=112233\n", kReportStatus);
+  SimPrinter printer = Ribbon().Error(0x112233);
+  int job = RunJobOnPrinter("usb_unknown", printer, "", kReportStatus);
   ASSERT_NE(0, job);
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n",
             Attributes("usb_unknown"));
-  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ(Queries(printer, 1), PrinterLines(job));
 }
 
 TEST_F(UsbBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
-  int job = RunJobOnPrinter("usb_sleepy", std::string(kRibbon) + "wake=2\n",
-                            kReportLevels,
+  SimPrinter printer = Ribbon().WakeAfter(2);
+  int job = RunJobOnPrinter("usb_sleepy", printer, "", kReportLevels,
                             JobWaits().Queries(3).RetrySleeps(2));
   ASSERT_NE(0, job);
   EXPECT_EQ("#retry_status=[wake_up=retrying(1/60)]\n"
             "#retry_status=[wake_up=retrying(2/60)]\n"
             "#retry_status=[wake_up=fulfilled(2/60)]\n",
             cupsd().RetryStatusLines(job));
-  EXPECT_EQ(kRibbonShown, Attributes("usb_sleepy"));
-  EXPECT_EQ(kWakeUpAndQuery + kQueryAnswered + kQueryAnswered,
-            PrinterLines(job));
+  EXPECT_EQ(Shown("none", printer, "24", kSheetPvR31aGx),
+            Attributes("usb_sleepy"));
+  EXPECT_EQ(Queries(printer, 3), PrinterLines(job));
 }
 
 // Pieces of a reply end with a short packet or a zero-length one, so that
@@ -369,14 +363,12 @@ TEST_F(UsbBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
 // write; a lone zero-length packet is an empty transfer that the backend
 // does not pass on.
 TEST_F(UsbBackendTest, ReplyInSeveralTransfersAndPackets) {
-  int job = RunJobOnPrinter(
-      "usb_split", std::string(kRibbon) + "split=64+100+28\nempty=1\n",
-      kReportLevels);
+  SimPrinter printer = Ribbon().Split({64, 100, 28});
+  int job = RunJobOnPrinter("usb_split", printer, "empty=1\n", kReportLevels);
   ASSERT_NE(0, job);
-  EXPECT_EQ(kRibbonShown, Attributes("usb_split"));
-  EXPECT_EQ(std::string(kWakeUp) + kQuery +
-                "sim: reply 192 bytes in pieces 64,100,28\n",
-            PrinterLines(job));
+  EXPECT_EQ(Shown("none", printer, "24", kSheetPvR31aGx),
+            Attributes("usb_split"));
+  EXPECT_EQ(Queries(printer, 1), PrinterLines(job));
   EXPECT_EQ("usb: in 0 bytes (0)\n"
             "usb: in 64 bytes (64+0)\n"
             "usb: in 100 bytes (64+36)\n"
@@ -391,11 +383,11 @@ TEST_F(UsbBackendTest, ReplyInSeveralTransfersAndPackets) {
 // Protocol 1 has no bulk IN endpoint: the backend answers the probe one-way
 // and the filter asks nothing.
 TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
-  int job = RunJobOnPrinter("usb_oneway", std::string(kRibbon) + "oneway=1\n",
-                            kBothCommands, JobWaits().Queries(0));
+  int job = RunJobOnPrinter("usb_oneway", Ribbon(), "oneway\n", kBothCommands,
+                            JobWaits().Queries(0));
   ASSERT_NE(0, job);
   EXPECT_EQ(kUnavailableShown, Attributes("usb_oneway"));
-  EXPECT_EQ(kWakeUp, PrinterLines(job));
+  EXPECT_EQ(Queries(Ribbon(), 0), PrinterLines(job));
   EXPECT_EQ("usb: open (handle 1)\n"
             "usb: claim interface 0\n"
             "usb: GET_DEVICE_ID\n"
@@ -405,29 +397,30 @@ TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
 }
 
 TEST_F(UsbBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
-  ASSERT_NE(0, RunJobOnPrinter("usb_twice",
-                               std::string(kRibbon) + "error=060202\n",
-                               kReportLevels));
-  ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n" + kRibbonMarkers,
+  SimPrinter first = Ribbon().Total(500).Remaining(400).Error(0x060202);
+  ASSERT_NE(0, RunJobOnPrinter("usb_twice", first, "", kReportLevels));
+  ASSERT_EQ(Shown("com.quillaroth-error0001", first, "80", kSheetPvR31aGx),
             Attributes("usb_twice"));
 
   // The printer has been seen to and its ribbon changed.
-  Script("total=350\nremaining=350\nerror=000000\nsheet=8f10\n");
+  SimPrinter second = SimPrinter().Total(350).Remaining(350).Sheet(0x8f10);
+  WriteScript(Script(second));
   ASSERT_NE(0, RunUsbJob("usb_twice", kReportLevels));
-  EXPECT_EQ("printer-state-reasons=none\n" +
-                Markers("100", "Ink Ribbon = 350 / 350", kSheet8f10),
+  EXPECT_EQ(Shown("none", second, "100", kSheetPvR32aGx),
             Attributes("usb_twice"));
 }
 
 TEST_F(UsbBackendTest, BothCommandsInOneJobQueryTheirOwnReplies) {
-  int job = RunJobOnPrinter("usb_both",
-                            std::string(kRibbon) + "reply=2:error=0b0507\n",
+  SimPrinter printer = Ribbon();
+  SimPrinter second_reply = Ribbon().Error(0x0b0507);
+  int job = RunJobOnPrinter("usb_both", printer, "reply=2:error=0b0507\n",
                             kBothCommands, JobWaits().Queries(2));
   ASSERT_NE(0, job);
   // The levels come from the first reply, the reasons from the second.
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0011\n" + kRibbonMarkers,
+  EXPECT_EQ(Shown("com.quillaroth-error0011", printer, "24", kSheetPvR31aGx),
             Attributes("usb_both"));
-  EXPECT_EQ(kWakeUpAndQuery + kQueryAnswered, PrinterLines(job));
+  EXPECT_EQ(Queries(printer, 1) + kQuery + second_reply.SimAnswerLines(1),
+            PrinterLines(job));
 }
 
 // The faults.  A printer that vanishes or says nothing is reported as
@@ -435,9 +428,9 @@ TEST_F(UsbBackendTest, BothCommandsInOneJobQueryTheirOwnReplies) {
 // breaks off with a reset (reset=N) is the device unplugged after N bytes.
 
 TEST_F(UsbBackendTest, PrinterUnpluggedInTheMiddleOfAReply) {
-  int job = RunUnansweredJob("usb_unplug", "reset=100\n");
+  int job = RunUnansweredJob("usb_unplug", Ribbon(), "reset=100\n");
   ASSERT_NE(0, job);
-  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ(Queries(Ribbon(), 1), PrinterLines(job));
   EXPECT_EQ("usb: in 100 bytes (64+36)\n"
             "usb: unplugged\n",
             InTransfers(job));
@@ -446,21 +439,21 @@ TEST_F(UsbBackendTest, PrinterUnpluggedInTheMiddleOfAReply) {
 
 // The backend finds no printer, waits 5 s and looks again.
 TEST_F(UsbBackendTest, PrinterThatAppearsAfterTheFirstScanIsWaitedFor) {
-  int job = RunJobOnPrinter("usb_late", std::string(kRibbon) + "appear=2\n",
-                            kReportLevels, JobWaits().MissedScans(1));
+  int job = RunJobOnPrinter("usb_late", Ribbon(), "appear=2\n", kReportLevels,
+                            JobWaits().MissedScans(1));
   ASSERT_NE(0, job);
-  EXPECT_EQ(kRibbonShown, Attributes("usb_late"));
-  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ(Shown("none", Ribbon(), "24", kSheetPvR31aGx),
+            Attributes("usb_late"));
+  EXPECT_EQ(Queries(Ribbon(), 1), PrinterLines(job));
   EXPECT_EQ("libusb_get_device_list=0\nlibusb_get_device_list=1\n",
             JobLines(job, "libusb_get_device_list="));
 }
 
 TEST_F(UsbBackendTest, PrinterThatNeverAnswers) {
-  int job = RunUnansweredJob("usb_silent", "none\n");
+  SimPrinter printer = Ribbon().FailAt(1);
+  int job = RunUnansweredJob("usb_silent", printer, "");
   ASSERT_NE(0, job);
-  EXPECT_EQ(std::string(kWakeUp) + kQuery +
-                "sim: no reply to printer information\n",
-            PrinterLines(job));
+  EXPECT_EQ(Queries(printer, 1), PrinterLines(job));
   EXPECT_EQ("", InTransfers(job));
 }
 
@@ -468,9 +461,9 @@ TEST_F(UsbBackendTest, PrinterThatNeverAnswers) {
 // should follow, the backend's 512-byte transfer waits for more and the
 // reply never reaches the filter.
 TEST_F(UsbBackendTest, ReplyWithoutItsZeroLengthPacketIsLost) {
-  int job = RunUnansweredJob("usb_nozlp", "zlp=0\n");
+  int job = RunUnansweredJob("usb_nozlp", Ribbon(), "zlp=0\n");
   ASSERT_NE(0, job);
-  EXPECT_EQ(kWakeUpAndQuery, PrinterLines(job));
+  EXPECT_EQ(Queries(Ribbon(), 1), PrinterLines(job));
   EXPECT_EQ("", BackChannelWrites(job));
 }
 
