@@ -12,6 +12,10 @@ namespace {
 const std::string kWakeUp = std::string("\x1b" "EWU", 4);
 const std::string kPrinterInfo = std::string("\x1b" "V21", 4);
 const std::string kJobStatus = std::string("\x1b" "V10\0\0", 6);
+// The log lines of the unscripted printer's two replies.
+const std::string kDefaultInfo =
+    "reply 192 bytes: power 00, error 00 00 00, sheet 84 10, ribbon 123/350";
+const std::string kDefaultJobStatus = "reply 20 bytes: status 00 00 00 00";
 
 class PrinterCoreTest : public ::testing::Test {
  protected:
@@ -52,8 +56,8 @@ TEST_F(PrinterCoreTest, AnswersTheCommandsOfAFilterRun) {
   Send(kJobStatus);
   EXPECT_EQ(
       "cmd 1b 45 57 55\n"
-      "cmd 1b 56 32 31 => reply 192 bytes\n"
-      "cmd 1b 56 31 30 00 00 => reply 20 bytes\n",
+      "cmd 1b 56 32 31 => " + kDefaultInfo + "\n"
+      "cmd 1b 56 31 30 00 00 => " + kDefaultJobStatus + "\n",
       Story());
   EXPECT_EQ(1, printer_.info_queries());
   EXPECT_EQ(1, printer_.job_status_queries());
@@ -64,9 +68,9 @@ TEST_F(PrinterCoreTest, CommandsCutAnywhereAreJoined) {
   for (char byte : all) Send(std::string(1, byte));
   EXPECT_EQ(
       "cmd 1b 45 57 55\n"
-      "cmd 1b 56 32 31 => reply 192 bytes\n"
-      "cmd 1b 56 31 30 00 00 => reply 20 bytes\n"
-      "cmd 1b 56 32 31 => reply 192 bytes\n",
+      "cmd 1b 56 32 31 => " + kDefaultInfo + "\n"
+      "cmd 1b 56 31 30 00 00 => " + kDefaultJobStatus + "\n"
+      "cmd 1b 56 32 31 => " + kDefaultInfo + "\n",
       Story());
   EXPECT_EQ(2, printer_.info_queries());
 }
@@ -79,7 +83,7 @@ TEST_F(PrinterCoreTest, UnknownBytesRunToTheNextEscape) {
       "cmd 1b 45 57 55\n"
       "unknown bytes (22): 1b 51 78 78 78 78 78 78 78 78 78 78 78 78 78 78 "
       "...\n"
-      "cmd 1b 56 32 31 => reply 192 bytes\n",
+      "cmd 1b 56 32 31 => " + kDefaultInfo + "\n",
       Story());
 }
 
@@ -108,7 +112,8 @@ TEST_F(PrinterCoreTest, StalledPrinterHangsAfterItsReply) {
   Send(kWakeUp + kPrinterInfo + kPrinterInfo);
   Send(kJobStatus);
   End();
-  EXPECT_EQ("cmd 1b 45 57 55\ncmd 1b 56 32 31 => reply 192 bytes\n", Story());
+  EXPECT_EQ("cmd 1b 45 57 55\ncmd 1b 56 32 31 => " + kDefaultInfo + "\n",
+            Story());
   EXPECT_TRUE(printer_.hung());
 }
 

@@ -57,7 +57,9 @@ TEST_F(ReplyPlanTest, UnscriptedPrinterSendsItsDefaultReplyWhole) {
                 "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"
                 "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"),
             plan.bytes);
-  EXPECT_EQ("reply 192 bytes", describe_reply(plan));
+  EXPECT_EQ("reply 192 bytes: power 00, error 00 00 00, sheet 84 10, "
+            "ribbon 123/350",
+            describe_reply(plan));
 }
 
 TEST_F(ReplyPlanTest, FieldsGoAtTheirOffsets) {
@@ -122,7 +124,9 @@ TEST_F(ReplyPlanTest, SplitSendsWhatThePiecesLeaveAsOneLastPiece) {
   EXPECT_EQ("send 192 in 100+50+42, whole", Outline(Plan(1)));
   EXPECT_EQ("send 192 in 192, whole", Outline(Plan(2)));
   EXPECT_EQ("send 192 in 100+92, whole", Outline(Plan(3)));
-  EXPECT_EQ("reply 192 bytes in pieces 100,50,42", describe_reply(Plan(1)));
+  EXPECT_EQ("reply 192 bytes in pieces 100,50,42: power 00, error 00 00 00, "
+            "sheet 84 10, ribbon 123/350",
+            describe_reply(Plan(1)));
 }
 
 TEST_F(ReplyPlanTest, ResetAndStallSendOnlyTheFirstBytes) {
