@@ -133,7 +133,8 @@ if(BUILD_TESTING)
     COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/install_test.sh
       ${CMAKE_BINARY_DIR} ${CMAKE_INSTALL_PREFIX}
       ${QUILLAROTH_SERVERBIN_DEST} ${QUILLAROTH_PPD_DEST}
-      ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR})
+      ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR}
+      "$<$<TARGET_EXISTS:quillaroth_usb_printer>:${QUILLAROTH_SIM_LIBDIR}>")
   add_test(NAME install.ppd_fragment
     COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/ppd_fragment_test.sh
       ${CMAKE_CURRENT_SOURCE_DIR})
