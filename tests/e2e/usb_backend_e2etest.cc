@@ -291,9 +291,12 @@ TEST_F(UsbBackendTest, LpinfoListsTheEmulatedPrinter) {
       lpinfo.out);
 }
 
-// The readable example: a good printer, every line of the printer's log.
+// The readable example: a good printer, its script and every line of its
+// log written out.
 TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
-  int job = RunJobOnPrinter("usb_good", Ribbon(), "", kReportLevels);
+  AddQueue("usb_good", "usb://Quillaroth/Simulated%20Printer?serial=SIM0001");
+  WriteScript("total=500\nremaining=123\nerror=000000\nsheet=8410\n");
+  int job = RunUsbJob("usb_good", "#CUPS-COMMAND\nReportLevels\n");
   ASSERT_NE(0, job);
   EXPECT_EQ("printer-state-reasons=none\n"
             "marker-colors=#00FF00\n"
