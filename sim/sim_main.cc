@@ -8,6 +8,9 @@
 // libcups' backend calls expect them, and serves the filter until it exits.
 // It exits with the filter's exit status (128 + the signal if it was
 // killed).
+//
+// With --listen it runs no filter: it serves the printer on a TCP port
+// instead (sim/network_printer.h).
 
 #include <cups/cups.h>
 #include <cups/sidechannel.h>
@@ -22,6 +25,7 @@
 #include <cstring>
 #include <vector>
 
+#include "sim/network_printer.h"
 #include "sim/option_help.h"
 #include "sim/option_table.h"
 #include "sim/serve.h"
@@ -121,8 +125,9 @@ int main(int argc, char** argv) {
   FILE* log_file = open_log(settings.log_path);
   SimLog log(log_file, "sim: ");
   if (settings.listen) {
-    fprintf(stderr, "quillaroth-sim: --listen is not built yet\n");
-    return 2;
+    int code = serve_network_printer(settings, log);
+    if (log_file != nullptr) fclose(log_file);
+    return code;
   }
   int save_fd = -1;
   if (!settings.stdout_path.empty()) {
