@@ -298,6 +298,26 @@ void PrivateCupsd::RemoveTree() {
   root_.clear();
 }
 
+// Links SERVERBIN/backend/NAME, next to the system's cups-exec, into the
+// tree's backend folder.
+bool PrivateCupsd::AddSystemBackend(const std::string& name,
+                                    std::string* error) {
+  std::string daemon_dir = cups_exec_.substr(0, cups_exec_.rfind('/'));
+  std::string server_bin = daemon_dir.substr(0, daemon_dir.rfind('/'));
+  std::string system_backend = server_bin + "/backend/" + name;
+  if (access(system_backend.c_str(), X_OK) != 0) {
+    *error = "no CUPS backend " + system_backend + " (install cups)";
+    return false;
+  }
+  std::string link = root_ + "/bin/backend/" + name;
+  unlink(link.c_str());
+  if (symlink(system_backend.c_str(), link.c_str()) != 0) {
+    *error = "symlink " + link + ": " + strerror(errno);
+    return false;
+  }
+  return true;
+}
+
 // lpadmin -p NAME -E -v URI -P PPD.
 ProgramResult PrivateCupsd::AddQueue(const std::string& name,
                                      const std::string& uri) {

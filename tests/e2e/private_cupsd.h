@@ -53,6 +53,13 @@ class PrivateCupsd {
   std::string address() const;
   const std::string& root() const { return root_; }
 
+  // Links the system's CUPS backend NAME (for example "socket" or "usb",
+  // from the server folder that cups-exec comes from) into the private
+  // server folder, so that queues can use its scheme.  cupsd runs it as
+  // the system would: as lp when it is world-executable, else as root.
+  // Returns false with a reason in *error.
+  bool AddSystemBackend(const std::string& name, std::string* error);
+
   // lpadmin -p NAME -E -v URI -P PPD.
   ProgramResult AddQueue(const std::string& name, const std::string& uri);
   // lpadmin -p NAME -v URI.
