@@ -1,0 +1,43 @@
+// Measurements of CUPS' socket backend's own waits in front of the
+// network printer.  They take minutes, so they are not among the CTest
+// tests; run them (in the build folder, as root) with
+//   tests/e2e/backend_e2e_tests --gtest_also_run_disabled_tests
+//       --gtest_filter='SocketBackendTest.DISABLED_*'
+
+#include <gtest/gtest.h>
+
+#include "tests/e2e/run_program.h"
+#include "tests/e2e/socket_backend_test.h"
+
+namespace {
+
+TEST_F(SocketBackendTest, DISABLED_HungPrinterHoldsTheJobUntilWaiteofEnds) {
+  AddNetworkQueue("mutewait", {"--hang"});
+  ASSERT_NE(0, RunJob("mutewait", kReportLevels,
+                      kWakeUpPause + kReadTimeout + kWaitEof));
+  EXPECT_LE(kWaitEof, last_job_seconds_);
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
+                UnavailableMarkers(),
+            cupsd().PrinterAttributes("mutewait"));
+}
+
+TEST_F(SocketBackendTest, DISABLED_RefusedConnectionHoldsTheJobForDays) {
+  AddNetworkQueue("refusedwait", {"--accept", "0"});
+  std::string error;
+  int job = cupsd().SubmitCommandJob("refusedwait", kReportLevels, &error);
+  ASSERT_NE(0, job) << error;
+  // The filter gives up after two unanswered drains and a read; the
+  // backend goes on retrying (contimeout is a week by default).
+  double filter_done = kSnmpLookups + 2 * kDrainTimeout + kWakeUpPause +
+                       kReadTimeout + kSchedulerSlack;
+  EXPECT_EQ(IPP_JSTATE_PROCESSING, cupsd().WaitForJob(job, filter_done + 30));
+  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
+                UnavailableMarkers(),
+            cupsd().PrinterAttributes("refusedwait"));
+  ProgramResult cancel = RunProgram(
+      {"cancel", "-h", cupsd().address(), std::to_string(job)});
+  EXPECT_EQ(0, cancel.status) << cancel.Describe();
+  EXPECT_EQ(IPP_JSTATE_CANCELED, cupsd().WaitForJob(job, kSchedulerSlack));
+}
+
+}  // namespace
