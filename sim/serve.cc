@@ -92,6 +92,7 @@ void PrinterServer::Run() {
   back_open_ = fd_is_open(CUPS_BC_FD);
   if (scenario_.close_sidechannel_at == 0 && side_open_) CloseSideChannel();
   if (scenario_.close_backchannel_at_start && back_open_) CloseBackChannel();
+  if (printer_.hung()) log_.Line("printer hangs: it reads and answers nothing");
 
   for (;;) {
     bool waiting_for_side = channels_.until_sidechannel_eof && side_open_;
