@@ -19,145 +19,133 @@
 
 namespace {
 
-TEST_F(SocketBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
-  AddNetworkQueue("good", {});
-  ASSERT_NE(0, RunJob("good", kReportLevels, kWakeUpPause));
-  EXPECT_EQ("printer-state-reasons=none\n" + DefaultMarkers(),
-            cupsd().PrinterAttributes("good"));
+// The whole story of one job, written out: the readable example of this
+// file.  A good printer, asked for its levels through a stock socket queue:
+// the queue lists no reason and publishes the ribbon; the printer saw one
+// connection with the wake-up command and one query, which it answered.
+TEST_F(SocketBackendTest, GoodPrinterGoldenJob) {
+  AddNetworkQueue("good", SimPrinter());
+  ASSERT_NE(0, RunJob("good", kReportLevels, kWakeUpSeconds));
+  EXPECT_EQ(
+      "printer-state-reasons=none\n"
+      "marker-colors=#00FF00\n"
+      "marker-levels=35\n"
+      "marker-message=Ink Ribbon = 123 / 350\n"
+      "marker-names=InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\n"
+      "marker-types=ink-ribbon\n",
+      cupsd().PrinterAttributes("good"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
       "sim: cmd 1b 45 57 55\n"
       "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
+      "sim: reply 192 bytes: power 00, error 00 00 00, sheet 84 10, ribbon "
+      "123/350\n"
       "sim: connection 1 closed by the host\n",
       PrinterLog());
 }
 
 TEST_F(SocketBackendTest, PrinterErrorCodeRaisesItsReason) {
-  AddNetworkQueue("printererror", {"--error", "060202"});
-  ASSERT_NE(0, RunJob("printererror", kReportLevels,
-                      kWakeUpPause));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0001\n" +
-                DefaultMarkers(),
+  SimPrinter printer = SimPrinter().Error(0x060202);
+  AddNetworkQueue("printererror", printer);
+  ASSERT_NE(0, RunJob("printererror", kReportLevels, kWakeUpSeconds));
+  EXPECT_EQ(Shown("com.quillaroth-error0001", printer, "35", kSheetPvR31aGx),
             cupsd().PrinterAttributes("printererror"));
+  EXPECT_EQ(ConnectionLog(1, QueryLog(printer)), PrinterLog());
 }
 
 TEST_F(SocketBackendTest, UsedUpRibbonRaisesTheRibbonReason) {
-  AddNetworkQueue("usedup", {"--remaining", "0", "--total", "500"});
-  ASSERT_NE(0, RunJob("usedup", kReportLevels, kWakeUpPause));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0005\n" +
-                Markers("0", "Ink Ribbon = 0 / 500",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
+  SimPrinter printer = SimPrinter().Total(500).Remaining(0);
+  AddNetworkQueue("usedup", printer);
+  ASSERT_NE(0, RunJob("usedup", kReportLevels, kWakeUpSeconds));
+  EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31aGx),
             cupsd().PrinterAttributes("usedup"));
 }
 
 TEST_F(SocketBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
-  AddNetworkQueue("unknown", {"--error", "112233"});
-  ASSERT_NE(0, RunJob("unknown", kReportStatus, kWakeUpPause));
+  AddNetworkQueue("unknown", SimPrinter().Error(0x112233));
+  ASSERT_NE(0, RunJob("unknown", kReportStatus, kWakeUpSeconds));
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n",
             cupsd().PrinterAttributes("unknown"));
 }
 
 TEST_F(SocketBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
-  AddNetworkQueue("sleepy", {"--wake-after", "2"});
-  int job = RunJob("sleepy", kReportLevels,
-                   kWakeUpPause + 2 * kRetryPause);
+  SimPrinter printer = SimPrinter().WakeAfter(2);
+  AddNetworkQueue("sleepy", printer);
+  int job = RunJob("sleepy", kReportLevels, kWakeUpSeconds + 2 * kRetrySeconds);
   ASSERT_NE(0, job);
-  EXPECT_EQ("#retry_status=[wake_up=retrying(1/60)]\n"
-            "#retry_status=[wake_up=retrying(2/60)]\n"
-            "#retry_status=[wake_up=fulfilled(2/60)]\n",
-            cupsd().RetryStatusLines(job));
-  EXPECT_EQ("printer-state-reasons=none\n" + DefaultMarkers(),
+  EXPECT_EQ(
+      "#retry_status=[wake_up=retrying(1/60)]\n"
+      "#retry_status=[wake_up=retrying(2/60)]\n"
+      "#retry_status=[wake_up=fulfilled(2/60)]\n",
+      cupsd().RetryStatusLines(job));
+  EXPECT_EQ(Shown("none", printer, "35", kSheetPvR31aGx),
             cupsd().PrinterAttributes("sleepy"));
+  std::string asleep = "sim: cmd 1b 56 32 31\n" + printer.SimReplyLine(true);
+  EXPECT_EQ(ConnectionLog(1, asleep + asleep + QueryLog(printer)),
+            PrinterLog());
 }
 
 TEST_F(SocketBackendTest, ReplyInPiecesIsGathered) {
-  AddNetworkQueue("pieces", {"--split", "100+92"});
-  ASSERT_NE(0, RunJob("pieces", kReportLevels, kWakeUpPause));
-  EXPECT_EQ("printer-state-reasons=none\n" + DefaultMarkers(),
+  SimPrinter printer = SimPrinter().Split({100, 92});
+  AddNetworkQueue("pieces", printer);
+  ASSERT_NE(0, RunJob("pieces", kReportLevels, kWakeUpSeconds));
+  EXPECT_EQ(Shown("none", printer, "35", kSheetPvR31aGx),
             cupsd().PrinterAttributes("pieces"));
-  EXPECT_EQ(
-      "sim: connection 1 from 127.0.0.1\n"
-      "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes in pieces 100,92\n"
-      "sim: connection 1 closed by the host\n",
-      PrinterLog());
+  EXPECT_EQ(ConnectionLog(1, QueryLog(printer)), PrinterLog());
 }
 
 TEST_F(SocketBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
-  AddNetworkQueue("twice", {"--error", "060202", "--connection",
-                            "2:error=000000"});
-  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpPause));
+  SimPrinter first = SimPrinter().Error(0x060202);
+  AddNetworkQueue("twice", first, {"--connection", "2:error=000000"});
+  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpSeconds));
   ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n",
             cupsd().PrinterAttributes("twice"));
-  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpPause));
+  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpSeconds));
   EXPECT_EQ("printer-state-reasons=none\n", cupsd().PrinterAttributes("twice"));
-  EXPECT_EQ("sim: connection 1 from 127.0.0.1\n" + AnsweredQueryLog() +
-                "sim: connection 1 closed by the host\n"
-                "sim: connection 2 from 127.0.0.1\n" +
-                AnsweredQueryLog() + "sim: connection 2 closed by the host\n",
+  EXPECT_EQ(ConnectionLog(1, QueryLog(first)) +
+                ConnectionLog(2, QueryLog(SimPrinter())),
             PrinterLog());
 }
 
 TEST_F(SocketBackendTest, BothCommandsInOneJobQueryTwice) {
-  AddNetworkQueue("both", {"--remaining", "0"});
+  SimPrinter printer = SimPrinter().Remaining(0);
+  AddNetworkQueue("both", printer);
   ASSERT_NE(0, RunJob("both", "#CUPS-COMMAND\nReportLevels\nReportStatus\n",
-                      kWakeUpPause));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0005\n" +
-                Markers("0", "Ink Ribbon = 0 / 350",
-                        "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)"),
+                      kWakeUpSeconds));
+  EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31aGx),
             cupsd().PrinterAttributes("both"));
-  EXPECT_EQ(
-      "sim: connection 1 from 127.0.0.1\n"
-      "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: connection 1 closed by the host\n",
-      PrinterLog());
+  EXPECT_EQ(ConnectionLog(1, QueryLog(printer) + QueryLog(printer)),
+            PrinterLog());
 }
 
 TEST_F(SocketBackendTest, ConnectionResetMidReplyIsAnUnreachablePrinter) {
-  AddNetworkQueue("reset", {"--reset", "100"});
-  ASSERT_NE(0, RunJob("reset", kReportLevels,
-                      kWakeUpPause + kReadTimeout));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
-                UnavailableMarkers(),
-            cupsd().PrinterAttributes("reset"));
+  AddNetworkQueue("reset", SimPrinter(), {"--reset", "100"});
+  ASSERT_NE(0, RunJob("reset", kReportLevels, kWakeUpSeconds + kReadSeconds));
+  EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("reset"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
-      "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: connection 1 reset after 100 of 192 bytes\n",
+      "sim: cmd 1b 45 57 55\n" +
+          QueryLog(SimPrinter()) +
+          "sim: connection 1 reset after 100 of 192 bytes\n",
       PrinterLog());
 }
 
 TEST_F(SocketBackendTest, StalledReplyIsAnUnreachablePrinter) {
-  AddNetworkQueue("stall", {"--stall", "100"}, "waiteof=false");
-  ASSERT_NE(0, RunJob("stall", kReportLevels,
-                      kWakeUpPause + kReadTimeout));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
-                UnavailableMarkers(),
-            cupsd().PrinterAttributes("stall"));
+  AddNetworkQueue("stall", SimPrinter(), {"--stall", "100"}, "waiteof=false");
+  ASSERT_NE(0, RunJob("stall", kReportLevels, kWakeUpSeconds + kReadSeconds));
+  EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("stall"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
-      "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: printer hangs after 100 of 192 bytes\n",
+      "sim: cmd 1b 45 57 55\n" +
+          QueryLog(SimPrinter()) +
+          "sim: printer hangs after 100 of 192 bytes\n",
       PrinterLog());
 }
 
 TEST_F(SocketBackendTest, PrinterThatNeverAnswersIsUnreachable) {
-  AddNetworkQueue("mute", {"--hang"}, "waiteof=false");
-  ASSERT_NE(0, RunJob("mute", kReportLevels,
-                      kWakeUpPause + kReadTimeout));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
-                UnavailableMarkers(),
-            cupsd().PrinterAttributes("mute"));
+  AddNetworkQueue("mute", SimPrinter(), {"--hang"}, "waiteof=false");
+  ASSERT_NE(0, RunJob("mute", kReportLevels, kWakeUpSeconds + kReadSeconds));
+  EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("mute"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
       "sim: printer hangs: it reads and answers nothing\n",
@@ -165,16 +153,14 @@ TEST_F(SocketBackendTest, PrinterThatNeverAnswersIsUnreachable) {
 }
 
 TEST_F(SocketBackendTest, RefusedConnectionIsAnUnreachablePrinter) {
-  AddNetworkQueue("refused", {"--accept", "0"}, "contimeout=1");
+  AddNetworkQueue("refused", SimPrinter(), {"--accept", "0"}, "contimeout=1");
   // contimeout counts from the backend's start, so after its SNMP
   // look-ups the first refused connection ends it: "The printer is not
   // responding", CUPS_BACKEND_FAILED, and the scheduler's error policy
   // (abort-job here) aborts the job.  The filter has made no wait of its
   // own by then: its drain and read fail at once on the closed channels.
   ASSERT_NE(0, RunJob("refused", kReportLevels, 0, IPP_JSTATE_ABORTED));
-  EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n" +
-                UnavailableMarkers(),
-            cupsd().PrinterAttributes("refused"));
+  EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("refused"));
   EXPECT_EQ("sim: refusing connections\n", PrinterLog());
 }
 

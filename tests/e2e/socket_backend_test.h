@@ -12,7 +12,6 @@
 
 #include <cups/cups.h>
 #include <gtest/gtest.h>
-#include <time.h>
 
 #include <cstdio>
 #include <memory>
@@ -21,7 +20,11 @@
 #include <vector>
 
 #include "tests/e2e/cupsd_test.h"
+#include "tests/e2e/queue_attributes.h"
 #include "tests/sim/listening_printer.h"
+#include "tests/support/expected_trace.h"
+#include "tests/support/files.h"
+#include "tests/support/sim_printer.h"
 
 constexpr char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
 constexpr char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
@@ -29,10 +32,10 @@ constexpr char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
 // The filter's own waits, in seconds: the pause after the wake-up command,
 // a back-channel read, an unanswered drain, the pause between queries of a
 // printer that is still waking up.
-constexpr double kWakeUpPause = 0.5;
-constexpr double kReadTimeout = 1.0;
-constexpr double kDrainTimeout = 5.0;
-constexpr double kRetryPause = 1.0;
+constexpr double kWakeUpSeconds = 0.5;
+constexpr double kReadSeconds = 1.0;
+constexpr double kDrainSeconds = 5.0;
+constexpr double kRetrySeconds = 1.0;
 // The socket backend's look-ups of the printer's supplies over SNMP before
 // it serves the side channel: two queries with 2 s time-outs, which a
 // printer without an SNMP agent (this one) lets run out.
@@ -48,37 +51,25 @@ constexpr double kJobWaitLimit = 30.0;
 // connection after the job ("waiteof", unless waiteof=false).
 constexpr double kWaitEof = 90.0;
 
-// Seconds on the monotonic clock.
-inline double Now() {
-  struct timespec ts;
-  clock_gettime(CLOCK_MONOTONIC, &ts);
-  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
+// The printer's log lines of a query that it answers as `printer`.
+inline std::string QueryLog(const SimPrinter& printer) {
+  return "sim: cmd 1b 56 32 31\n" + printer.SimReplyLine(false);
 }
 
-// The marker attributes of a ribbon, as the queue shows them.
-inline std::string Markers(const std::string& level, const std::string& message,
-                    const std::string& names) {
-  return "marker-colors=#00FF00\n"
-         "marker-levels=" + level + "\n"
-         "marker-message=" + message + "\n"
-         "marker-names=" + names + "\n"
-         "marker-types=ink-ribbon\n";
+// The printer's log lines of a job's connection (the Nth of the run): the
+// wake-up command, `queries` (as QueryLog gives them) and the host's close.
+inline std::string ConnectionLog(int connection, const std::string& queries) {
+  std::string n = std::to_string(connection);
+  return "sim: connection " + n + " from 127.0.0.1\n"
+         "sim: cmd 1b 45 57 55\n" +
+         queries + "sim: connection " + n + " closed by the host\n";
 }
 
-// The markers of the simulated printer's default ribbon, 123 of 350.
-inline std::string DefaultMarkers() {
-  return Markers("35", "Ink Ribbon = 123 / 350",
-                 "InkSheetType: PV-R31A(GX) 13x18(5x7\u2033)");
-}
-
-// The markers of a ribbon that could not be read.
-inline std::string UnavailableMarkers() { return Markers("-2", " ", "InkSheetType: 00"); }
-
-// The printer's log lines of a wake-up and one answered query.
-inline std::string AnsweredQueryLog() {
-  return "sim: cmd 1b 45 57 55\n"
-         "sim: cmd 1b 56 32 31\n"
-         "sim: reply 192 bytes\n";
+// What the queue shows after a query that got no answer: the unavailable
+// state and levels.
+inline std::string UnreachableShown() {
+  return "printer-state-reasons=com.quillaroth-error0023\n" +
+         Markers("-2", " ", "InkSheetType: 00");
 }
 
 class SocketBackendTest : public CupsdTest {
@@ -90,12 +81,15 @@ class SocketBackendTest : public CupsdTest {
     ASSERT_TRUE(cupsd().AddSystemBackend("socket", &error)) << error;
   }
 
-  // Starts the network printer with these quillaroth-sim options and adds
-  // the queue "socket://127.0.0.1:PORT" (with "/?URI_OPTIONS" if given).
-  void AddNetworkQueue(const std::string& queue,
-                       const std::vector<std::string>& options,
+  // Starts the network printer as `printer` says, with these further
+  // quillaroth-sim options, and adds the queue "socket://127.0.0.1:PORT"
+  // (with "/?URI_OPTIONS" if given).
+  void AddNetworkQueue(const std::string& queue, const SimPrinter& printer,
+                       const std::vector<std::string>& more_options = {},
                        const std::string& uri_options = "") {
-    printer_ = std::make_unique<ListeningPrinter>(SIM_PATH, options);
+    std::vector<std::string> options = printer.SimOptions();
+    options.insert(options.end(), more_options.begin(), more_options.end());
+    printer_ = std::make_unique<ListeningPrinter>(options);
     std::string error;
     ASSERT_TRUE(printer_->Start(&error)) << error;
     std::string uri = "socket://" + printer_->address();

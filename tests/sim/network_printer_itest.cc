@@ -34,7 +34,7 @@ class NetworkPrinterTest : public ::testing::Test {
 
   // Starts the printer with these options.
   void Listen(const std::vector<std::string>& options) {
-    printer_ = std::make_unique<ListeningPrinter>(SIM_PATH, options);
+    printer_ = std::make_unique<ListeningPrinter>(options);
     std::string error;
     ASSERT_TRUE(printer_->Start(&error)) << error;
   }
@@ -87,7 +87,7 @@ class NetworkPrinterTest : public ::testing::Test {
   }
   // Stops the printer; its log, which must end with the stop.
   std::string StopAndLog() {
-    EXPECT_EQ(0, printer_->Stop());
+    EXPECT_EQ("exit status 0", printer_->Stop().Describe());
     return printer_->Log();
   }
 
@@ -109,7 +109,8 @@ TEST_F(NetworkPrinterTest, AnswersAJobAndClosesAfterTheHost) {
       "sim: connection 1 from 127.0.0.1\n"
       "sim: cmd 1b 45 57 55\n"
       "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
+      "sim: reply 192 bytes: power 00, error 06 02 02, sheet 84 10, ribbon "
+      "123/350\n"
       "sim: connection 1 closed by the host\n"
       "sim: stopped by signal 15 (Terminated)\n",
       StopAndLog());
@@ -146,9 +147,9 @@ TEST_F(NetworkPrinterTest, ResetMidReply) {
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
       "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: connection 1 reset after 100 of 192 bytes\n"
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: connection 1 reset after 100 of 192 bytes\n"
       "sim: stopped by signal 15 (Terminated)\n",
       StopAndLog());
 }
@@ -166,9 +167,9 @@ TEST_F(NetworkPrinterTest, StalledReplyLeavesTheConnectionOpen) {
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
       "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: printer hangs after 150 of 192 bytes\n"
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: printer hangs after 150 of 192 bytes\n"
       "sim: stopped by signal 15 (Terminated)\n",
       StopAndLog());
 }
@@ -210,9 +211,9 @@ TEST_F(NetworkPrinterTest, RefusesConnectionsBeyondItsLimit) {
       "sim: connection 1 from 127.0.0.1\n"
       "sim: refusing further connections\n"
       "sim: cmd 1b 45 57 55\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: stopped by signal 15 (Terminated)\n",
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: stopped by signal 15 (Terminated)\n",
       StopAndLog());
   close(first);
 }

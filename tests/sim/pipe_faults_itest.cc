@@ -7,22 +7,23 @@
 #include <string>
 
 #include "tests/support/filter_run.h"
+#include "tests/support/sim_printer.h"
 
 namespace {
 
 TEST(PipeFaults, ResetMidReplyLooksLikeAClosedBackChannel) {
-  FilterResult reset = run_commands("ReportStatus\n", {"--reset", "100"});
+  FilterResult reset = RunCommands("ReportStatus\n", {"--reset", "100"});
   FilterResult closed =
-      run_commands("ReportStatus\n", {"--close-backchannel=1"});
+      RunCommands("ReportStatus\n", {"--close-backchannel=1"});
   EXPECT_EQ(0, reset.status);
   EXPECT_EQ(closed.err, reset.err);
   EXPECT_EQ(
       "sim: sc GET_BIDI -> OK 01\n"
       "sim: cmd 1b 45 57 55\n"
       "sim: sc DRAIN_OUTPUT -> OK\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: back channel closes after 100 of 192 bytes\n"
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: back channel closes after 100 of 192 bytes\n"
       "sim: back channel closed\n"
       "sim: sc DRAIN_OUTPUT -> OK\n"
       "sim: filter exited with status 0\n",
@@ -31,18 +32,18 @@ TEST(PipeFaults, ResetMidReplyLooksLikeAClosedBackChannel) {
 
 TEST(PipeFaults, StalledReplyLooksLikeNoReply) {
   FilterResult stall =
-      run_commands("ReportStatus\nReportStatus\n", {"--stall", "100"});
+      RunCommands("ReportStatus\nReportStatus\n", {"--stall", "100"});
   FilterResult none =
-      run_commands("ReportStatus\nReportStatus\n", {"--no-reply"});
+      RunCommands("ReportStatus\nReportStatus\n", {"--no-reply"});
   EXPECT_EQ(0, stall.status);
   EXPECT_EQ(none.err, stall.err);
   EXPECT_EQ(
       "sim: sc GET_BIDI -> OK 01\n"
       "sim: cmd 1b 45 57 55\n"
       "sim: sc DRAIN_OUTPUT -> OK\n"
-      "sim: cmd 1b 56 32 31\n"
-      "sim: reply 192 bytes\n"
-      "sim: printer hangs after 100 of 192 bytes\n"
+      "sim: cmd 1b 56 32 31\n" +
+          SimPrinter().SimReplyLine(false) +
+          "sim: printer hangs after 100 of 192 bytes\n"
       "sim: sc DRAIN_OUTPUT -> OK\n"
       "sim: sc DRAIN_OUTPUT -> OK\n"
       "sim: filter exited with status 0\n",
@@ -50,8 +51,8 @@ TEST(PipeFaults, StalledReplyLooksLikeNoReply) {
 }
 
 TEST(PipeFaults, HungPrinterLooksLikeNoReply) {
-  FilterResult hang = run_commands("ReportLevels\n", {"--hang"});
-  FilterResult none = run_commands("ReportLevels\n", {"--no-reply"});
+  FilterResult hang = RunCommands("ReportLevels\n", {"--hang"});
+  FilterResult none = RunCommands("ReportLevels\n", {"--no-reply"});
   EXPECT_EQ(0, hang.status);
   EXPECT_EQ(none.err, hang.err);
   EXPECT_EQ(

@@ -9,6 +9,7 @@
 #include "sim/reply_plan.h"
 #include "sim/scenario.h"
 #include "sim/value_parsers.h"
+#include "tests/support/sim_printer.h"
 
 // Bytes from hex digits ("1b 56 32 31"); empty on a typo, which the
 // comparison then shows.
@@ -23,18 +24,10 @@ inline Bytes BytesOf(const std::string& text) {
   return Bytes(text.begin(), text.end());
 }
 
-// The printer-information reply of an unscripted printer: awake, no error,
-// ink sheet 84 10, 123 of 350 prints left, 00 everywhere else.
-inline Bytes DefaultInfoReply() {
-  Bytes reply(kInfoReplySize, 0x00);
-  reply[145] = 0x84;
-  reply[146] = 0x10;
-  reply[148] = 0x01;  // 350
-  reply[149] = 0x5e;
-  reply[150] = 0x00;  // 123
-  reply[151] = 0x7b;
-  return reply;
-}
+// The printer-information reply of an unscripted printer (awake, no error,
+// ink sheet 84 10, 123 of 350 prints left, 00 everywhere else), as the
+// test kit describes it.
+inline Bytes DefaultInfoReply() { return BytesOf(SimPrinter().Reply(false)); }
 
 // The reply with `bytes` written from `offset` on.
 inline Bytes WithBytes(Bytes reply, size_t offset, const Bytes& bytes) {
