@@ -12,7 +12,6 @@
 #include <string>
 
 #include "tests/e2e/cupsd_test.h"
-#include "tests/e2e/queue_attributes.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/sim_printer.h"
 

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -497,4 +498,26 @@ std::string PrivateCupsd::RetryStatusLines(int job_id) const {
       lines += message.substr(tag.size()) + "\n";
   }
   return lines;
+}
+
+// The "PID n (...) ..." lines of one job, ids and root path taken out,
+// sorted.
+std::string PrivateCupsd::ProcessExits(int job_id) const {
+  std::string tag = "[Job " + std::to_string(job_id) + "] ";
+  std::istringstream log(JobLog(job_id));
+  std::string line;
+  std::vector<std::string> exits;
+  while (std::getline(log, line)) {
+    std::string message = LogMessage(line);
+    if (message.compare(0, tag.size() + 4, tag + "PID ") != 0) continue;
+    size_t open = message.find(" (");
+    size_t root = message.find(root_);
+    if (open == std::string::npos || root == std::string::npos) continue;
+    message.replace(root, root_.size(), "ROOT");
+    exits.push_back(tag + "PID n" + message.substr(open) + "\n");
+  }
+  std::sort(exits.begin(), exits.end());
+  std::string text;
+  for (const std::string& exit : exits) text += exit;
+  return text;
 }

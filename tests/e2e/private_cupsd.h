@@ -99,6 +99,11 @@ class PrivateCupsd {
   // The filter's "DEBUG: #retry_status=[...]" lines of one job, text after
   // the "[Job N] " label.
   std::string RetryStatusLines(int job_id) const;
+  // The scheduler's lines about the ends of the job's processes ("[Job N]
+  // PID n (ROOT/bin/filter/commandtoquillaroth) exited with no errors."),
+  // process ids and the tree's path taken out, sorted: the filter and the
+  // backend may end at the same time.
+  std::string ProcessExits(int job_id) const;
 
  private:
   // Writes the configuration files and folders of the tree.

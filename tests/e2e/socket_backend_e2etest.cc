@@ -159,7 +159,8 @@ TEST_F(SocketBackendTest, RefusedConnectionIsAnUnreachablePrinter) {
   // responding", CUPS_BACKEND_FAILED, and the scheduler's error policy
   // (abort-job here) aborts the job.  The filter has made no wait of its
   // own by then: its drain and read fail at once on the closed channels.
-  ASSERT_NE(0, RunJob("refused", kReportLevels, 0, IPP_JSTATE_ABORTED));
+  ASSERT_NE(0, RunJob("refused", kReportLevels, 0, IPP_JSTATE_ABORTED,
+                      "stopped with status 1."));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("refused"));
   EXPECT_EQ("sim: refusing connections\n", PrinterLog());
 }

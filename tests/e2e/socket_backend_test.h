@@ -20,7 +20,6 @@
 #include <vector>
 
 #include "tests/e2e/cupsd_test.h"
-#include "tests/e2e/queue_attributes.h"
 #include "tests/sim/listening_printer.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/files.h"
@@ -98,13 +97,15 @@ class SocketBackendTest : public CupsdTest {
   }
 
   // Runs a command job and checks that it ended in `state` through our
-  // filter and the socket backend, with the filter exiting 0, and within
+  // filter and the socket backend, with the filter exiting 0 and the
+  // backend as `backend_end` says (the scheduler's words), and within
   // the waits of the filter and the backend (`waits` seconds), the
   // backend's SNMP look-ups and the scheduler's slack.  Prints how long it
   // took (ctest -V shows it).  Returns the job id (0 when it could not be
   // run).
   int RunJob(const std::string& queue, const std::string& commands,
-             double waits, int state = IPP_JSTATE_COMPLETED) {
+             double waits, int state = IPP_JSTATE_COMPLETED,
+             const std::string& backend_end = "exited with no errors.") {
     double bound = kSnmpLookups + waits + kSchedulerSlack;
     double limit = bound + kJobWaitLimit;
     std::string error;
@@ -121,11 +122,12 @@ class SocketBackendTest : public CupsdTest {
            queue.c_str(), ended, took, bound);
     EXPECT_EQ(state, ended) << "job " << job << " on " << queue;
     EXPECT_GE(bound, took) << "job " << job << " on " << queue;
-    EXPECT_EQ(FilterChain(job, queue), cupsd().FilterChain(job));
-    EXPECT_EQ("[Job " + std::to_string(job) +
-                  "] PID n (ROOT/bin/filter/commandtoquillaroth) exited with "
-                  "no errors.\n",
-              FilterExit(job));
+    EXPECT_EQ(ExpectedFilterChain(job, queue, "socket"),
+              cupsd().FilterChain(job));
+    std::string tag = "[Job " + std::to_string(job) + "] PID n (ROOT/bin/";
+    EXPECT_EQ(tag + "backend/socket) " + backend_end + "\n" + tag +
+                  "filter/commandtoquillaroth) exited with no errors.\n",
+              cupsd().ProcessExits(job));
     return job;
   }
 
@@ -135,37 +137,6 @@ class SocketBackendTest : public CupsdTest {
   double last_job_seconds_ = 0;  // how long the last RunJob() took
 
  private:
-  // The filter chain of a command job on a socket queue.
-  static std::string FilterChain(int job_id, const std::string& queue) {
-    std::string job = "[Job " + std::to_string(job_id) + "] ";
-    return job + "2 filters for job:\n" + job +
-           "commandtoquillaroth (application/vnd.cups-command to printer/" +
-           queue + "/application/vnd.cups-command, cost 0)\n" + job +
-           "- (printer/" + queue + "/application/vnd.cups-command to printer/" +
-           queue + ", cost 0)\n" + job +
-           "Started filter ROOT/bin/filter/commandtoquillaroth (PID n)\n" +
-           job + "Started backend ROOT/bin/backend/socket (PID n)\n";
-  }
-
-  // The scheduler's line about the filter's end, process id and the
-  // tree's path taken out.
-  std::string FilterExit(int job_id) {
-    std::istringstream log(cupsd().JobLog(job_id));
-    std::string line;
-    std::string found;
-    const std::string filter = "/bin/filter/commandtoquillaroth)";
-    while (std::getline(log, line)) {
-      size_t pid = line.find("] PID ");
-      size_t path = line.find(" (" + cupsd().root() + filter);
-      if (pid == std::string::npos || path == std::string::npos) continue;
-      size_t tag = line.find("[Job ");
-      found += line.substr(tag, pid + 1 - tag) + " PID n (ROOT" + filter +
-               line.substr(path + 2 + cupsd().root().size() + filter.size()) +
-               "\n";
-    }
-    return found;
-  }
-
   std::unique_ptr<ListeningPrinter> printer_;
 };
 

@@ -203,7 +203,7 @@ class UsbBackendTest : public CupsdTest {
     EXPECT_LE(seconds, bound) << "job " << job << " on " << queue;
     EXPECT_EQ(ExpectedFilterChain(job, queue, "usb"),
               cupsd().FilterChain(job));
-    EXPECT_EQ(ExpectedExits(job), ProcessExits(job));
+    EXPECT_EQ(ExpectedExits(job), cupsd().ProcessExits(job));
     return state == IPP_JSTATE_COMPLETED ? job : 0;
   }
 
@@ -249,27 +249,6 @@ class UsbBackendTest : public CupsdTest {
            tag +
            "PID n (ROOT/bin/filter/commandtoquillaroth) exited with no "
            "errors.\n";
-  }
-
-  // The scheduler's lines about the job's processes ending, process ids and
-  // the tree's path taken out, sorted: when the backend has no read thread
-  // to wait for, the two end at the same time.
-  std::string ProcessExits(int job) {
-    std::istringstream lines(JobLines(job, "PID "));
-    std::string line;
-    std::vector<std::string> exits;
-    std::string tag = "[Job " + std::to_string(job) + "] ";
-    while (std::getline(lines, line)) {
-      size_t open = line.find(" (");
-      size_t root = line.find(cupsd().root());
-      if (open == std::string::npos || root == std::string::npos) continue;
-      line.replace(root, cupsd().root().size(), "ROOT");
-      exits.push_back(tag + "PID n" + line.substr(open) + "\n");
-    }
-    std::sort(exits.begin(), exits.end());
-    std::string text;
-    for (const std::string& exit : exits) text += exit;
-    return text;
   }
 
   std::vector<int> jobs_;
