@@ -1,8 +1,7 @@
 // Measurements of CUPS' socket backend's own waits in front of the
-// network printer.  They take minutes, so they are not among the CTest
-// tests; run them (in the build folder, as root) with
-//   tests/e2e/backend_e2e_tests --gtest_also_run_disabled_tests
-//       --gtest_filter='SocketBackendTest.DISABLED_*'
+// network printer.  They take minutes, so they are a program of their own
+// and not among the CTest tests; run them (in the build folder, as root)
+// with tests/e2e/socket_backend_measurements.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +10,7 @@
 
 namespace {
 
-TEST_F(SocketBackendTest, DISABLED_HungPrinterHoldsTheJobUntilWaiteofEnds) {
+TEST_F(SocketBackendTest, HungPrinterHoldsTheJobUntilWaiteofEnds) {
   AddNetworkQueue("mutewait", SimPrinter(), {"--hang"});
   ASSERT_NE(0, RunJob("mutewait", kReportLevels,
                       kWakeUpSeconds + kReadSeconds + kWaitEof));
@@ -19,7 +18,7 @@ TEST_F(SocketBackendTest, DISABLED_HungPrinterHoldsTheJobUntilWaiteofEnds) {
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("mutewait"));
 }
 
-TEST_F(SocketBackendTest, DISABLED_RefusedConnectionHoldsTheJobForDays) {
+TEST_F(SocketBackendTest, RefusedConnectionHoldsTheJobForDays) {
   AddNetworkQueue("refusedwait", SimPrinter(), {"--accept", "0"});
   std::string error;
   int job = cupsd().SubmitCommandJob("refusedwait", kReportLevels, &error);
