@@ -32,6 +32,12 @@ while [ $# -gt 0 ]; do
        exit 2 ;;
   esac
 done
+# The picture is of a level: counts the filter turns into a percentage.
+if ! [[ $total =~ ^[0-9]+$ && $remaining =~ ^[0-9]+$ && $sheet =~ ^[0-9a-fA-F]{4}$ ]] ||
+   [ "$total" -lt 1 ] || [ "$total" -gt 65534 ] || [ "$remaining" -gt 65534 ]; then
+  echo "screenshot: --total must be 1-65534, --remaining 0-65534, --sheet 4 hex digits" >&2
+  exit 2
+fi
 queue=photo
 
 say() { echo "screenshot: $*"; }
@@ -61,6 +67,7 @@ cleanup() {
   fi
 }
 trap cleanup EXIT
+trap 'exit 130' INT TERM
 
 # A loopback port that is free right now.
 free_port() {
@@ -144,13 +151,16 @@ for _ in $(seq 100); do
   xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && break
   sleep 0.1
 done
+xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' ||
+  { cat "$root/log/openbox.log" >&2; say "openbox did not start"; exit 1; }
 
 mkdir -p "$(dirname "$out")"
 expected=$((remaining * 100 / total))
 status=0
 dbus-run-session -- /usr/bin/python3 docs/screenshot-levels-gui.py \
   "$queue" "$expected" "$out" "$root/log/system-config-printer.log" \
-  2> >(grep -v '^dbus-daemon' >&2) || status=$?
+  2> >(grep --line-buffered -v -e '^dbus-daemon' -e '^SpiRegistry' >&2) ||
+  status=$?
 
 say "what the filter reported for the command job (from cupsd's log):"
 sed -n -E 's/^.*\[Job [0-9]+\] ((ATTR: marker|STATE: \+).*)$/  \1/p' "$root/log/error_log"
