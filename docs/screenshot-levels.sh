@@ -3,12 +3,13 @@
 # properties in system-config-printer, after its "Refresh" button has sent
 # the queue a "ReportLevels" command job that commandtoquillaroth answered.
 #
-# Everything runs in a private folder under /tmp: a cupsd on a free loopback
-# port with the filter and the simulated printer's backend, a queue on the
-# simulated printer, and system-config-printer on a virtual X display
-# (Xvfb) in a D-Bus session of its own.  The system's CUPS configuration,
-# spool and scheduler are never used.  Needs root (cupsd runs as root);
-# installs the Debian packages it needs.
+# Everything runs in a private folder under /tmp: the simulated printer as a
+# network printer on a free loopback port (quillaroth-sim --listen), a cupsd
+# on another with the filter and CUPS' own socket backend, a queue on
+# socket://127.0.0.1:PORT, and system-config-printer on a virtual X display
+# (Xvfb, openbox) in a D-Bus session of its own.  The system's CUPS
+# configuration, spool and scheduler are never used.  Needs root (cupsd runs
+# as root); installs the Debian packages it needs.
 #
 # Usage: docs/screenshot-levels.sh [--remaining N] [--total N] [--sheet XXXX]
 #                                  [--out FILE]
@@ -53,13 +54,16 @@ scripts/setup.sh system-config-printer python3-gi-cairo xvfb openbox xdotool \
 
 say "building the filter and the simulated printer into build/"
 cmake -S . -B build -DQUILLAROTH_WERROR=ON >/dev/null
-cmake --build build -j2 --target commandtoquillaroth quillarothsim >/dev/null
+cmake --build build -j2 --target commandtoquillaroth quillaroth-sim >/dev/null
 
 root=$(mktemp -d /tmp/quillaroth-shot.XXXXXX)
 pids=()
+# Stops what was started, the last first (openbox before its X display).
 cleanup() {
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null || true; done
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+    kill "${pids[i]}" 2>/dev/null || true
+    wait "${pids[i]}" 2>/dev/null || true
+  done
   if [ "${QUILLAROTH_SHOT_KEEP:-0}" = 1 ]; then
     say "kept $root"
   else
@@ -79,9 +83,9 @@ say "private CUPS tree in $root"
 chmod 755 "$root"
 mkdir -p "$root"/{etc/ppd,spool,tmp,cache,state,log,bin/filter,bin/backend,bin/daemon}
 install -m 0755 build/commandtoquillaroth "$root/bin/filter/commandtoquillaroth"
-install -m 0755 build/sim/quillarothsim "$root/bin/backend/quillarothsim"
-ln -s "$(cups-config --serverbin 2>/dev/null || echo /usr/lib/cups)/daemon/cups-exec" \
-  "$root/bin/daemon/cups-exec"
+serverbin=$(cups-config --serverbin 2>/dev/null || echo /usr/lib/cups)
+ln -s "$serverbin/backend/socket" "$root/bin/backend/socket"
+ln -s "$serverbin/daemon/cups-exec" "$root/bin/daemon/cups-exec"
 port=$(free_port)
 # Loopback only, no browsing, no authentication: every operation is allowed
 # from 127.0.0.1.
@@ -130,7 +134,19 @@ for _ in $(seq 100); do
 done
 lpstat -r >/dev/null 2>&1 || { cat "$root/log/cupsd.out" >&2; say "cupsd did not start"; exit 1; }
 
-uri="quillarothsim://$queue?total=$total&remaining=$remaining&sheet=$sheet"
+say "starting the simulated printer: quillaroth-sim --listen 127.0.0.1:0 --total $total --remaining $remaining --sheet $sheet"
+build/sim/quillaroth-sim --listen 127.0.0.1:0 --total "$total" \
+  --remaining "$remaining" --sheet "$sheet" --log "$root/log/sim.log" \
+  >"$root/log/sim.out" 2>&1 &
+pids+=($!)
+for _ in $(seq 100); do
+  grep -q '^listening on ' "$root/log/sim.out" && break
+  sleep 0.1
+done
+printer=$(sed -n 's/^listening on //p' "$root/log/sim.out")
+[ -n "$printer" ] || { cat "$root/log/sim.out" >&2; say "the simulated printer did not start"; exit 1; }
+
+uri="socket://$printer"
 say "adding the queue $queue on $uri"
 lpadmin -p "$queue" -E -v "$uri" -P ppd/quillaroth-sim.ppd 2>/dev/null
 
@@ -163,7 +179,10 @@ dbus-run-session -- /usr/bin/python3 docs/screenshot-levels-gui.py \
   status=$?
 
 say "what the filter reported for the command job (from cupsd's log):"
-sed -n -E 's/^.*\[Job [0-9]+\] ((ATTR: marker|STATE: \+).*)$/  \1/p' "$root/log/error_log"
+sed -n -E 's/^.*\[Job [0-9]+\] ((ATTR: marker|STATE: \+com\.quillaroth-).*)$/  \1/p' \
+  "$root/log/error_log"
+say "what the simulated printer saw:"
+sed 's/^/  /' "$root/log/sim.log"
 if [ "$status" -ne 0 ]; then
   QUILLAROTH_SHOT_KEEP=1
   say "failed; the logs are in $root/log"
