@@ -17,18 +17,17 @@
 #             docs/images/ink-levels.png
 # Set QUILLAROTH_SHOT_KEEP=1 to keep the private folder (logs) afterwards.
 set -euo pipefail
-cd "$(dirname "$0")/.."
 
 remaining=120
 total=350
 sheet=8f10
-out=docs/images/ink-levels.png
+out=
 while [ $# -gt 0 ]; do
   case "$1" in
     --remaining) remaining=$2; shift 2 ;;
     --total) total=$2; shift 2 ;;
     --sheet) sheet=$2; shift 2 ;;
-    --out) out=$2; shift 2 ;;
+    --out) out=$(realpath -m "$2"); shift 2 ;;
     *) echo "usage: $0 [--remaining N] [--total N] [--sheet XXXX] [--out FILE]" >&2
        exit 2 ;;
   esac
@@ -39,9 +38,27 @@ if ! [[ $total =~ ^[0-9]+$ && $remaining =~ ^[0-9]+$ && $sheet =~ ^[0-9a-fA-F]{4
   echo "screenshot: --total must be 1-65534, --remaining 0-65534, --sheet 4 hex digits" >&2
   exit 2
 fi
+cd "$(dirname "$0")/.."
+out=${out:-docs/images/ink-levels.png}
 queue=photo
 
 say() { echo "screenshot: $*"; }
+
+# Runs the command until it succeeds, ten seconds at most; its last status.
+wait_until() {
+  for _ in $(seq 100); do
+    "$@" && return 0
+    sleep 0.1
+  done
+  "$@"
+}
+
+# Shows the log of what did not start, says so and ends the run.
+not_started() {
+  cat "$1" >&2
+  say "$2 did not start"
+  exit 1
+}
 
 if [ "$(id -u)" -ne 0 ]; then
   echo "screenshot: must run as root: cupsd runs as root and starts the filter and backend as lp" >&2
@@ -128,47 +145,36 @@ say "starting cupsd on 127.0.0.1:$port"
   >"$root/log/cupsd.out" 2>&1 &
 pids+=($!)
 export CUPS_SERVER=127.0.0.1:$port
-for _ in $(seq 100); do
-  lpstat -r >/dev/null 2>&1 && break
-  sleep 0.1
-done
-lpstat -r >/dev/null 2>&1 || { cat "$root/log/cupsd.out" >&2; say "cupsd did not start"; exit 1; }
+cupsd_answers() { lpstat -r >/dev/null 2>&1; }
+wait_until cupsd_answers || not_started "$root/log/cupsd.out" cupsd
 
 say "starting the simulated printer: quillaroth-sim --listen 127.0.0.1:0 --total $total --remaining $remaining --sheet $sheet"
 build/sim/quillaroth-sim --listen 127.0.0.1:0 --total "$total" \
   --remaining "$remaining" --sheet "$sheet" --log "$root/log/sim.log" \
   >"$root/log/sim.out" 2>&1 &
 pids+=($!)
-for _ in $(seq 100); do
-  grep -q '^listening on ' "$root/log/sim.out" && break
-  sleep 0.1
-done
-printer=$(sed -n 's/^listening on //p' "$root/log/sim.out")
-[ -n "$printer" ] || { cat "$root/log/sim.out" >&2; say "the simulated printer did not start"; exit 1; }
+sim_listens() { grep -q '^listening on ' "$root/log/sim.out"; }
+wait_until sim_listens || not_started "$root/log/sim.out" "the simulated printer"
+uri="socket://$(sed -n 's/^listening on //p' "$root/log/sim.out")"
 
-uri="socket://$printer"
 say "adding the queue $queue on $uri"
-lpadmin -p "$queue" -E -v "$uri" -P ppd/quillaroth-sim.ppd 2>/dev/null
+# (lpadmin warns that printer drivers are deprecated; the queue works.)
+lpadmin -p "$queue" -E -v "$uri" -P ppd/quillaroth-sim.ppd 2>"$root/log/lpadmin.err" ||
+  { cat "$root/log/lpadmin.err" >&2; exit 1; }
 
 say "starting Xvfb"
 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp \
   3>"$root/display" >"$root/log/xvfb.log" 2>&1 &
 pids+=($!)
-for _ in $(seq 100); do
-  [ -s "$root/display" ] && break
-  sleep 0.1
-done
-[ -s "$root/display" ] || { say "Xvfb did not start"; exit 1; }
+display_open() { [ -s "$root/display" ]; }
+wait_until display_open || not_started "$root/log/xvfb.log" Xvfb
 export DISPLAY=:$(cat "$root/display")
+
 say "display $DISPLAY; starting the window manager (openbox)"
 openbox --sm-disable >"$root/log/openbox.log" 2>&1 &
 pids+=($!)
-for _ in $(seq 100); do
-  xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && break
-  sleep 0.1
-done
-xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' ||
-  { cat "$root/log/openbox.log" >&2; say "openbox did not start"; exit 1; }
+wm_runs() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id'; }
+wait_until wm_runs || not_started "$root/log/openbox.log" openbox
 
 mkdir -p "$(dirname "$out")"
 expected=$((remaining * 100 / total))
