@@ -194,16 +194,16 @@ def wait_for_levels(properties):
     label)."""
     say("waiting for the page to show the level that the job reported")
     start = time.monotonic()
-    names = wait_for("ink level on the page",
-                     lambda: child(properties, pyatspi.ROLE_LABEL,
-                                   name_start="InkSheetType:"),
-                     timeout=kLevelsTimeout)
-    # The gauge is the widget whose tooltip (its description) is the level.
-    gauge = wait_for("level gauge",
+    # The gauge is the widget whose tooltip (its description) is the level;
+    # the marker's name is the label in the same box.
+    gauge = wait_for("level gauge on the page",
                      lambda: pyatspi.findDescendant(
                          properties, lambda acc: acc is not None and
                          (acc.description or "").endswith("%") and
-                         showing(acc)))
+                         showing(acc)),
+                     timeout=kLevelsTimeout)
+    names = wait_for("marker name beside the gauge",
+                     lambda: child(gauge.parent.parent, pyatspi.ROLE_LABEL))
     say("the page shows %s and \"%s\" (%.0f s after the click on \"OK\")"
         % (gauge.description, names.name, time.monotonic() - start))
     return gauge, names
