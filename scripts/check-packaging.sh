@@ -119,6 +119,8 @@ drwxr-xr-x root/root ./usr/lib/
 drwxr-xr-x root/root ./usr/lib/cups/
 drwxr-xr-x root/root ./usr/lib/cups/backend/
 -rwxr-xr-x root/root ./usr/lib/cups/backend/quillarothsim
+drwxr-xr-x root/root ./usr/lib/quillaroth-sim/
+-rw-r--r-- root/root ./usr/lib/quillaroth-sim/libusb-1.0.so.0
 drwxr-xr-x root/root ./usr/share/
 drwxr-xr-x root/root ./usr/share/doc/
 drwxr-xr-x root/root ./usr/share/doc/quillaroth-sim/
