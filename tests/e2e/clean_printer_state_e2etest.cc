@@ -19,8 +19,6 @@
 
 namespace {
 
-const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
-
 class CleanPrinterStateTest : public CupsdTest {
  protected:
   // Starts every test without a user lpoptions file.

@@ -17,9 +17,6 @@
 
 namespace {
 
-const char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
-const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
-
 // A printer with these counts, error code and ink sheet.
 SimPrinter Printer(uint16_t total, uint16_t remaining, uint32_t error,
                    uint16_t sheet) {

@@ -27,6 +27,23 @@ std::string Markers(const std::string& level, const std::string& message,
 std::string Shown(const std::string& reasons, const SimPrinter& printer,
                   const std::string& level, const char* sheet);
 
+// The command files of the command jobs.
+constexpr char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
+constexpr char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
+constexpr char kBothCommands[] = "#CUPS-COMMAND\nReportLevels\nReportStatus\n";
+
+// The filter's own waits, in seconds, from which the tests bound a job's
+// time: the pause after the wake-up command, a back-channel read, an
+// unanswered drain, the pause between queries of a printer that is still
+// waking up.
+constexpr double kWakeUpPauseSeconds = 0.5;
+constexpr double kReadTimeout = 1.0;
+constexpr double kDrainTimeout = 5.0;
+constexpr double kRetrySleep = 1.0;
+// Starting the filter and the backend, and the scheduler noticing the
+// job's end (0.1 to 0.3 s when the machine is idle; it is shared).
+constexpr double kSchedulerSlack = 3.0;
+
 // The GoogleTest environment that stops the shared scheduler at the end.
 class CupsdEnvironment : public ::testing::Environment {
  public:

@@ -13,7 +13,7 @@ namespace {
 TEST_F(SocketBackendTest, HungPrinterHoldsTheJobUntilWaiteofEnds) {
   AddNetworkQueue("mutewait", SimPrinter(), {"--hang"});
   ASSERT_NE(0, RunJob("mutewait", kReportLevels,
-                      kWakeUpSeconds + kReadSeconds + kWaitEof));
+                      kWakeUpPauseSeconds + kReadTimeout + kWaitEof));
   EXPECT_LE(kWaitEof, last_job_seconds_);
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("mutewait"));
 }
@@ -25,8 +25,8 @@ TEST_F(SocketBackendTest, RefusedConnectionHoldsTheJobForDays) {
   ASSERT_NE(0, job) << error;
   // The filter gives up after two unanswered drains and a read; the
   // backend goes on retrying (contimeout is a week by default).
-  double filter_done = kSnmpLookups + 2 * kDrainSeconds + kWakeUpSeconds +
-                       kReadSeconds + kSchedulerSlack;
+  double filter_done = kSnmpLookups + 2 * kDrainTimeout + kWakeUpPauseSeconds +
+                       kReadTimeout + kSchedulerSlack;
   EXPECT_EQ(IPP_JSTATE_PROCESSING, cupsd().WaitForJob(job, filter_done + 30));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("refusedwait"));
   ProgramResult cancel = RunProgram(

@@ -25,24 +25,10 @@
 #include "tests/support/files.h"
 #include "tests/support/sim_printer.h"
 
-constexpr char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
-constexpr char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
-
-// The filter's own waits, in seconds: the pause after the wake-up command,
-// a back-channel read, an unanswered drain, the pause between queries of a
-// printer that is still waking up.
-constexpr double kWakeUpSeconds = 0.5;
-constexpr double kReadSeconds = 1.0;
-constexpr double kDrainSeconds = 5.0;
-constexpr double kRetrySeconds = 1.0;
 // The socket backend's look-ups of the printer's supplies over SNMP before
 // it serves the side channel: two queries with 2 s time-outs, which a
 // printer without an SNMP agent (this one) lets run out.
 constexpr double kSnmpLookups = 4.0;
-// Starting the filter and the backend, the backend's look-ups, and the
-// scheduler noticing the job's end (0.1 to 0.3 s when the machine is idle;
-// it is shared).
-constexpr double kSchedulerSlack = 3.0;
 // How much longer than its bound a job is waited for, so that a slow job
 // is reported with its time rather than as "still processing".
 constexpr double kJobWaitLimit = 30.0;

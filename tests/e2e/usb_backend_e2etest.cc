@@ -36,19 +36,12 @@
 namespace {
 
 const char kUsbUri[] = "usb://Quillaroth/Simulated%20Printer?serial=SIM0001";
-const char kReportLevels[] = "#CUPS-COMMAND\nReportLevels\n";
-const char kReportStatus[] = "#CUPS-COMMAND\nReportStatus\n";
-const char kBothCommands[] = "#CUPS-COMMAND\nReportLevels\nReportStatus\n";
 
-// The waits of the filter and of the usb backend, in seconds.
-constexpr double kWakeUpPauseSeconds = 0.5;
-constexpr double kDrainTimeout = 5.0;
-constexpr double kRetrySleep = 1.0;
-constexpr double kReadTimeout = 1.0;
+// The usb backend's own waits, in seconds (the filter's are in the
+// fixture's header).
 constexpr double kRescanSleep = 5.0;
 constexpr double kSideChannelThreadWait = 3.0;
 constexpr double kReadThreadWait = 7.0 + 1.0;
-constexpr double kSchedulerSlack = 3.0;
 
 // What a job waits for: by default one query, answered at once.
 struct JobWaits {
