@@ -1,5 +1,5 @@
-// The emulated printer's descriptors, laid out byte by byte as the USB
-// specification has them (multi-byte fields little-endian).
+// The emulated printer's descriptors, laid out byte by byte as they go over
+// the USB wire (multi-byte fields little-endian).
 
 #include "sim/usb/printer_descriptors.h"
 
