@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "sim/clock.h"
 #include "sim/option_table.h"
 #include "sim/printer_core.h"
 
@@ -33,13 +34,6 @@ volatile sig_atomic_t stop_signal = 0;
 
 // Notes the signal that ends the run.
 void note_stop(int signal) { stop_signal = signal; }
-
-// Seconds on the monotonic clock.
-double now() {
-  struct timespec ts;
-  clock_gettime(CLOCK_MONOTONIC, &ts);
-  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
-}
 
 // "127.0.0.1:9100", "[::1]:9100" (port left out when with_port is false).
 std::string address_text(const struct sockaddr_storage& address,
@@ -314,7 +308,7 @@ void NetworkPrinter::Reply(Connection& connection, const ReplyPlan& plan) {
 
 void NetworkPrinter::SendDue(Connection& connection) {
   while (!connection.closed && !connection.pieces.empty() &&
-         now() >= connection.next_piece_time) {
+         monotonic_seconds() >= connection.next_piece_time) {
     const Bytes& piece = connection.pieces.front();
     if (send(connection.fd, piece.data(), piece.size(), MSG_NOSIGNAL) !=
         static_cast<ssize_t>(piece.size())) {
@@ -324,7 +318,7 @@ void NetworkPrinter::SendDue(Connection& connection) {
       return;
     }
     connection.pieces.pop_front();
-    connection.next_piece_time = now() + kPieceGap;
+    connection.next_piece_time = monotonic_seconds() + kPieceGap;
   }
   if (connection.closed || !connection.pieces.empty()) return;
   if (connection.reset_after_pieces) {
@@ -350,7 +344,7 @@ int NetworkPrinter::PollTimeout() const {
   double soonest = -1;
   for (const Connection& connection : connections_) {
     if (connection.closed || connection.pieces.empty()) continue;
-    double wait = connection.next_piece_time - now();
+    double wait = connection.next_piece_time - monotonic_seconds();
     if (wait < 0) wait = 0;
     if (soonest < 0 || wait < soonest) soonest = wait;
   }

@@ -8,13 +8,13 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <deque>
 
+#include "sim/clock.h"
 #include "sim/printer_core.h"
 #include "sim/value_parsers.h"
 
@@ -22,13 +22,6 @@ namespace {
 
 // How long a further piece waits for the filter to empty the pipe.
 constexpr double kPieceWaitLimit = 10.0;
-
-// Seconds on the monotonic clock.
-double now() {
-  struct timespec ts;
-  clock_gettime(CLOCK_MONOTONIC, &ts);
-  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
-}
 
 // True when the descriptor is open.
 bool fd_is_open(int fd) { return fcntl(fd, F_GETFD) != -1; }
@@ -205,7 +198,7 @@ void PrinterServer::SendPieces() {
     if (channels_.backchannel_peek_fd >= 0) {
       int unread = 0;
       if (ioctl(channels_.backchannel_peek_fd, FIONREAD, &unread) == 0 &&
-          unread > 0 && now() - last_piece_time_ < kPieceWaitLimit)
+          unread > 0 && monotonic_seconds() - last_piece_time_ < kPieceWaitLimit)
         return;
     }
     WritePiece(pieces_.front());
@@ -220,7 +213,7 @@ void PrinterServer::WritePiece(const Bytes& piece) {
   if (cupsBackChannelWrite(reinterpret_cast<const char*>(piece.data()),
                            piece.size(), 1.0) < 0)
     log_.Line("cupsBackChannelWrite() failed: %s", strerror(errno));
-  last_piece_time_ = now();
+  last_piece_time_ = monotonic_seconds();
 }
 
 // Polls every millisecond while a piece waits for the pipe to empty.

@@ -22,7 +22,6 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,18 +31,12 @@
 #include <string>
 #include <vector>
 
+#include "sim/clock.h"
 #include "sim/usb/usb_script.h"
 
 namespace {
 
 const char kDeviceUri[] = "usb://Quillaroth/Simulated%20Printer?serial=SIM0001";
-
-// Seconds on the monotonic clock.
-double now() {
-  struct timespec ts;
-  clock_gettime(CLOCK_MONOTONIC, &ts);
-  return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
-}
 
 // Complains about a failed system call and exits 2.
 [[noreturn]] void die(const char* what) {
@@ -102,7 +95,7 @@ bool print_lines(Output* out, double start) {
   while ((end = out->partial.find('\n')) != std::string::npos ||
          (n <= 0 && !out->partial.empty())) {
     if (end == std::string::npos) end = out->partial.size();
-    printf("%8.3f %s: %s\n", now() - start, out->name,
+    printf("%8.3f %s: %s\n", monotonic_seconds() - start, out->name,
            out->partial.substr(0, end).c_str());
     out->partial.erase(0, std::min(end + 1, out->partial.size()));
   }
@@ -141,7 +134,7 @@ int main(int argc, char** argv) {
   std::vector<std::string> env = {
       "PATH=/usr/bin:/bin", "LANG=C", std::string("DEVICE_URI=") + kDeviceUri,
       std::string(kUsbScriptVariable) + "=" + argv[3]};
-  double start_time = now();
+  double start_time = monotonic_seconds();
   pid_t filter =
       start({argv[1], "1", "user", "title", "1", ""},
             {{commands, data[1], filter_err[1], back[0], side[0]}}, env);
@@ -163,7 +156,7 @@ int main(int argc, char** argv) {
     for (int i = 0; i < 2; i++) {
       if (outputs[i].fd < 0 || fds[i].revents == 0) continue;
       if (!print_lines(&outputs[i], start_time)) {
-        ended[i] = now() - start_time;
+        ended[i] = monotonic_seconds() - start_time;
         close(outputs[i].fd);
         outputs[i].fd = -1;
         open_outputs--;
