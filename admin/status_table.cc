@@ -8,10 +8,10 @@ constexpr char kRed[] = "\033[31m";
 constexpr char kYellow[] = "\033[33m";
 constexpr char kPlain[] = "\033[0m";
 
-enum Column { kQueue, kLink, kState, kLeft, kLevel, kRead, kSheet, kColumns };
+enum Column { kQueue, kLink, kState, kLeft, kLevel, kRead, kColumns };
 
 constexpr const char* kHeadings[kColumns] = {
-    "QUEUE", "LINK", "STATE", "LEFT", "LEVEL", "READ", "INK SHEET"};
+    "QUEUE", "LINK", "STATE", "LEFT", "LEVEL", "READ"};
 
 // The columns a text takes on a terminal: its UTF-8 characters.
 size_t Width(const std::string& text) {
@@ -48,7 +48,6 @@ std::vector<std::string> Cells(const QueueStatus& s, time_t now,
     *stale = age > stale_seconds;
     cells[kRead] = ShortAge(age) + (*stale ? " stale" : " ago");
   }
-  cells[kSheet] = s.ink_sheet ? *s.ink_sheet : "-";
   return cells;
 }
 
@@ -68,30 +67,30 @@ std::string StatusTable(const std::vector<QueueStatus>& queues, time_t now,
       if (Width(rows.back()[c]) > widths[c]) widths[c] = Width(rows.back()[c]);
   }
 
-  std::string table;
-  for (int c = 0; c < kColumns; c++) {
-    bool last = c + 1 == kColumns;
-    table += last ? kHeadings[c] : Pad(kHeadings[c], widths[c], c == kLeft || c == kLevel) + "  ";
-  }
-  table += "\n";
-  for (size_t q = 0; q < queues.size(); q++) {
+  // A line of cells: LEFT and LEVEL to the right, the last one unpadded.
+  auto line = [&](const std::vector<std::string>& cells, bool stale_age) {
+    std::string text;
     for (int c = 0; c < kColumns; c++) {
-      const std::string& cell = rows[q][c];
-      if (c + 1 == kColumns) {
-        table += cell;
-        break;
-      }
-      std::string padded = Pad(cell, widths[c], c == kLeft || c == kLevel);
-      if (c == kRead && stale[q] && style.colour)
-        padded = kYellow + padded + kPlain;
-      table += padded + "  ";
+      std::string cell = c + 1 == kColumns
+                             ? cells[c]
+                             : Pad(cells[c], widths[c], c == kLeft || c == kLevel);
+      if (c == kRead && stale_age && style.colour) cell = kYellow + cell + kPlain;
+      text += c + 1 == kColumns ? cell : cell + "  ";
     }
-    table += "\n";
+    return text + "\n";
+  };
+
+  std::string table =
+      line(std::vector<std::string>(kHeadings, kHeadings + kColumns), false);
+  for (size_t q = 0; q < queues.size(); q++) {
+    table += line(rows[q], stale[q]);
+    if (queues[q].ink_sheet)
+      table += "  ink sheet: " + *queues[q].ink_sheet + "\n";
     for (const Reason& reason : queues[q].reasons) {
-      std::string line = reason.keyword;
-      if (!reason.text.empty()) line += ": " + reason.text;
-      table += style.colour ? "  " + (kRed + line + kPlain) + "\n"
-                            : "  " + line + "\n";
+      std::string text = reason.keyword;
+      if (!reason.text.empty()) text += ": " + reason.text;
+      table += style.colour ? "  " + (kRed + text + kPlain) + "\n"
+                            : "  " + text + "\n";
     }
   }
   return table;

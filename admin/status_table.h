@@ -1,9 +1,10 @@
-// StatusTable: `quillaroth status` for people.  One line per queue, its
-// reasons on indented lines below it, in 80 columns for queue names of up
-// to 12 characters:
+// StatusTable: `quillaroth status` for people.  One line per queue, its ink
+// sheet and reasons on indented lines below it, in 80 columns for queue
+// names of up to 28 characters:
 //
-//   QUEUE   LINK    STATE       LEFT     LEVEL  READ      INK SHEET
-//   photo   usb     idle        120/350    34%  4m ago    PV-R32A(GX) 15x20(6x8″)
+//   QUEUE  LINK  STATE     LEFT  LEVEL  READ
+//   photo  usb   idle   120/350    34%  4m ago
+//     ink sheet: PV-R32A(GX) 15x20(6x8″)
 //     com.quillaroth-error0001: Printer error 0001 - see the printer's panel
 //
 // READ is the age of the levels, "stale" past the --stale age, "never"

@@ -150,7 +150,7 @@ class AdminTest : public CupsdTest {
 
 // The table with the ages of the levels, a few seconds, shown as "Ns ago".
 std::string MaskTableAges(const std::string& table) {
-  return std::regex_replace(table, std::regex("  [0-9]s ago"), "  Ns ago");
+  return std::regex_replace(table, std::regex("  [0-9]s ago\n"), "  Ns ago\n");
 }
 
 // The times in the JSON document, checked and replaced.
@@ -177,14 +177,14 @@ TEST_F(AdminTest, StatusGoldenTable) {
   EXPECT_EQ(0, status.status);
   EXPECT_EQ("", status.err);
   EXPECT_EQ(
-      "QUEUE    LINK           STATE     LEFT  LEVEL  READ    INK SHEET\n"
-      "booth-1  quillarothsim  idle   120/350    34%  Ns ago  "
-      "PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
-      "booth-2  quillarothsim  idle    40/350    11%  Ns ago  "
-      "PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\n"
+      "QUEUE    LINK           STATE     LEFT  LEVEL  READ\n"
+      "booth-1  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
+      "booth-2  quillarothsim  idle    40/350    11%  Ns ago\n"
+      "  ink sheet: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\n"
       "  com.quillaroth-error0001: Printer error 0001 - see the printer's "
       "panel\n"
-      "booth-3  quillarothsim  idle         -      -  never   -\n",
+      "booth-3  quillarothsim  idle         -      -  never\n",
       MaskTableAges(status.out));
 }
 
@@ -252,13 +252,13 @@ TEST_F(AdminTest, StatusListsFilterQueuesUnlessAll) {
   AddSimQueue("photo", SimPrinter());
   AddQueueWithPpd("plain", "socket://127.0.0.1:9", "");
   EXPECT_EQ(
-      "QUEUE  LINK           STATE  LEFT  LEVEL  READ   INK SHEET\n"
-      "photo  quillarothsim  idle      -      -  never  -\n",
+      "QUEUE  LINK           STATE  LEFT  LEVEL  READ\n"
+      "photo  quillarothsim  idle      -      -  never\n",
       Quillaroth({"status"}).out);
   EXPECT_EQ(
-      "QUEUE  LINK           STATE  LEFT  LEVEL  READ   INK SHEET\n"
-      "photo  quillarothsim  idle      -      -  never  -\n"
-      "plain  socket         idle      -      -  never  -\n",
+      "QUEUE  LINK           STATE  LEFT  LEVEL  READ\n"
+      "photo  quillarothsim  idle      -      -  never\n"
+      "plain  socket         idle      -      -  never\n",
       Quillaroth({"status", "--all"}).out);
 }
 
@@ -281,7 +281,7 @@ TEST_F(AdminTest, StatusOfUnknownQueue) {
   EXPECT_EQ(1, status.status);
   EXPECT_EQ("quillaroth: no queue named 'nosuchqueue' on " + Where() + "\n",
             status.err);
-  EXPECT_EQ("QUEUE  LINK  STATE  LEFT  LEVEL  READ  INK SHEET\n", status.out);
+  EXPECT_EQ("QUEUE  LINK  STATE  LEFT  LEVEL  READ\n", status.out);
 }
 
 TEST_F(AdminTest, NoScheduler) {
@@ -313,9 +313,9 @@ TEST_F(AdminTest, RefreshWaitShowsThePrintersCounts) {
       "booth: job 1 submitted\n"
       "booth: job 1 completed\n"
       "\n"
-      "QUEUE  LINK           STATE     LEFT  LEVEL  READ    INK SHEET\n"
-      "booth  quillarothsim  idle   120/350    34%  Ns ago  "
-      "PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n",
+      "QUEUE  LINK           STATE     LEFT  LEVEL  READ\n"
+      "booth  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n",
       MaskTableAges(std::regex_replace(
           refresh.out, std::regex("booth: job 1 (pending|processing)\n"), "")));
   EXPECT_EQ("", refresh.err);
@@ -408,6 +408,30 @@ TEST_F(AdminTest, EnableRefusesClass) {
       "quillaroth: booths is a class, not a printer: enable each of its "
       "printers\n",
       enable.err);
+}
+
+// Without the right to change queues, enable says what it needs and the
+// queue keeps its PPD.
+TEST_F(AdminTest, EnableWithoutTheRightToChangeQueues) {
+  AddQueueWithPpd("photo", "socket://127.0.0.1:9", kPpdHead);
+  std::string before = Ppd("photo");
+  std::string error;
+  ASSERT_TRUE(cupsd().RestartWith("<Location /admin>\n"
+                                  "  AuthType Basic\n"
+                                  "  Require user @SYSTEM\n"
+                                  "  Order allow,deny\n"
+                                  "  Allow from 127.0.0.1\n"
+                                  "</Location>\n",
+                                  &error))
+      << error;
+  ProgramResult enable = Quillaroth({"enable", "photo"});
+  EXPECT_EQ(1, enable.status);
+  EXPECT_EQ(
+      "quillaroth: cannot change photo: the scheduler refused (...): "
+      "changing a queue needs root or the scheduler's admin group "
+      "(SystemGroup in cups-files.conf, lpadmin on Debian)\n",
+      enable.err);
+  EXPECT_EQ(before, Ppd("photo"));
 }
 
 }  // namespace

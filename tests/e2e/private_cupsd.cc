@@ -283,6 +283,17 @@ bool PrivateCupsd::WaitUntilAnswering(std::string* error) {
   return false;
 }
 
+bool PrivateCupsd::RestartWith(const std::string& lines, std::string* error) {
+  Stop();
+  std::string conf = root_ + "/etc/cupsd.conf";
+  if (!WriteFile(conf, ReadFile(conf) + lines, 0644)) {
+    *error = "cannot write " + conf;
+    return false;
+  }
+  Launch();
+  return WaitUntilAnswering(error);
+}
+
 void PrivateCupsd::Stop() {
   if (cupsd_process_ == nullptr) return;
   cupsd_process_->Stop(5.0);
