@@ -234,6 +234,27 @@ std::string HelpText(Command command) {
   return text;
 }
 
+std::string ManOptions(Command command) {
+  std::string text;
+  for (const OptionRow& option : kOptions) {
+    if ((option.commands & Bit(command)) == 0) continue;
+    std::string name;  // roff's minus signs
+    for (char c : std::string(option.name))
+      name += c == '-' ? std::string("\\-") : std::string(1, c);
+    text += ".TP\n";
+    if (option.kind == Kind::Switch)
+      text += ".B " + name + "\n";
+    else
+      text += ".BI " + name + " \" " + option.metavar + "\"\n";
+    std::string help = option.help;
+    for (size_t at = help.find("--"); at != std::string::npos;
+         at = help.find("--", at + 4))
+      help.replace(at, 2, "\\-\\-");
+    text += help + "\n";
+  }
+  return text;
+}
+
 bool ParseCommandLine(int argc, const char* const* argv,
                       Invocation* invocation, std::string* error) {
   bool options_end = false;

@@ -44,6 +44,9 @@ bool ParseCommandLine(int argc, const char* const* argv,
 // The help of COMMAND (Command::None: the overview of all commands).
 std::string HelpText(Command command);
 
+// The options of COMMAND for the manual page: a .TP paragraph each.
+std::string ManOptions(Command command);
+
 // The name of COMMAND as typed ("enable", ...; "" for None).
 const char* CommandName(Command command);
 

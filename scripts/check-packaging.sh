@@ -94,6 +94,8 @@ lintian_seconds=$(since "$start")
 
 check "printer-driver-quillaroth: files" "drwxr-xr-x root/root ./
 drwxr-xr-x root/root ./usr/
+drwxr-xr-x root/root ./usr/bin/
+-rwxr-xr-x root/root ./usr/bin/quillaroth
 drwxr-xr-x root/root ./usr/lib/
 drwxr-xr-x root/root ./usr/lib/cups/
 drwxr-xr-x root/root ./usr/lib/cups/filter/
@@ -106,9 +108,12 @@ drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/copyright
 drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/examples/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/examples/commands.txt
--rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt" \
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt
+drwxr-xr-x root/root ./usr/share/man/
+drwxr-xr-x root/root ./usr/share/man/man1/
+-rw-r--r-- root/root ./usr/share/man/man1/quillaroth.1.gz" \
   "$(contents printer-driver-quillaroth)"
-check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1
+check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1, libstdc++6
 Recommends: cups-daemon" "$(relations printer-driver-quillaroth)"
 
 check "quillaroth-sim: files" "drwxr-xr-x root/root ./

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "admin/duration.h"
+#include "tests/support/files.h"
 
 namespace {
 
@@ -61,6 +62,25 @@ TEST_F(CommandLineTest, HelpFitsEightyColumns) {
       EXPECT_LE(end - start, 79u) << help.substr(start, end - start);
       start = end + 1;
     }
+  }
+}
+
+// The manual page lists each command's options as the command line's table
+// has them.
+TEST_F(CommandLineTest, ManualPageHasTheOptionsOfTheTable) {
+  std::string page = ReadFile(QUILLAROTH_MAN_PAGE);
+  ASSERT_FALSE(page.empty()) << QUILLAROTH_MAN_PAGE;
+  for (Command c : {Command::Enable, Command::Status, Command::Refresh}) {
+    std::string name = CommandName(c);
+    std::string begin = ".\\\" Options of " + name + ", from quillaroth " + name +
+                        " \\-\\-help: begin\n";
+    std::string end = ".\\\" Options of " + name + ": end\n";
+    size_t from = page.find(begin);
+    size_t to = page.find(end);
+    ASSERT_NE(std::string::npos, from) << begin;
+    ASSERT_NE(std::string::npos, to) << end;
+    from += begin.size();
+    EXPECT_EQ(ManOptions(c), page.substr(from, to - from)) << name;
   }
 }
 
