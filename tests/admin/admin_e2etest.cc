@@ -1,11 +1,4 @@
-// quillaroth against a real scheduler.
-//
-// Each test has a private cupsd of its own (one test per process), with
-// queues on the simulated printer (quillarothsim) and on CUPS' own socket
-// backend, and runs the built quillaroth as an admin would, with
-// CUPS_SERVER pointing at the private scheduler.  Whole outputs are
-// compared; the one thing that depends on the clock, the age of the levels,
-// is replaced by "AGE" after it has been checked to be a few seconds.
+// quillaroth enable, status and refresh against a real scheduler.
 
 #include <gtest/gtest.h>
 #include <cups/cups.h>
@@ -14,156 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/e2e/cupsd_test.h"
+#include "tests/admin/admin_test.h"
 #include "tests/support/files.h"
 #include "tests/support/sim_printer.h"
 #include "tests/support/subprocess.h"
 
 namespace {
-
-// A print filter of a printer's own driver, for the print path of the
-// queues whose PPD enable changes: it swallows the page data.
-constexpr char kVendorFilter[] = "quillaroth-test-raster";
-
-// The head of a printer's PPD, up to its filter lines.
-constexpr char kPpdHead[] =
-    "*PPD-Adobe: \"4.3\"\n"
-    "*FormatVersion: \"4.3\"\n"
-    "*FileVersion: \"1.0\"\n"
-    "*LanguageVersion: English\n"
-    "*LanguageEncoding: ISOLatin1\n"
-    "*PCFileName: \"QRTEST.PPD\"\n"
-    "*Manufacturer: \"Test\"\n"
-    "*Product: \"(Test Photo Printer)\"\n"
-    "*ModelName: \"Test Photo Printer\"\n"
-    "*ShortNickName: \"Test Photo Printer\"\n"
-    "*NickName: \"Test Photo Printer\"\n"
-    "*PSVersion: \"(3010.000) 0\"\n"
-    "*LanguageLevel: \"3\"\n"
-    "*ColorDevice: True\n"
-    "*DefaultColorSpace: RGB\n"
-    "*FileSystem: False\n"
-    "*Throughput: \"1\"\n"
-    "*LandscapeOrientation: Plus90\n"
-    "*TTRasterizer: Type42\n"
-    "*cupsVersion: 2.4\n"
-    "*cupsModelNumber: 0\n"
-    "*cupsManualCopies: True\n"
-    "*OpenUI *PageSize/Media Size: PickOne\n"
-    "*OrderDependency: 10 AnySetup *PageSize\n"
-    "*DefaultPageSize: w288h432\n"
-    "*PageSize w288h432/4x6: \"<</PageSize[288 432]>>setpagedevice\"\n"
-    "*CloseUI: *PageSize\n"
-    "*OpenUI *PageRegion/Media Size: PickOne\n"
-    "*OrderDependency: 10 AnySetup *PageRegion\n"
-    "*DefaultPageRegion: w288h432\n"
-    "*PageRegion w288h432/4x6: \"<</PageSize[288 432]>>setpagedevice\"\n"
-    "*CloseUI: *PageRegion\n"
-    "*DefaultImageableArea: w288h432\n"
-    "*ImageableArea w288h432/4x6: \"0 0 288 432\"\n"
-    "*DefaultPaperDimension: w288h432\n"
-    "*PaperDimension w288h432/4x6: \"288 432\"\n";
-
-class AdminTest : public CupsdTest {
- protected:
-  // Runs the built quillaroth with ARGS against the private scheduler.
-  ProgramResult Quillaroth(const std::vector<std::string>& args,
-                           const std::vector<std::string>& env = {}) {
-    std::vector<std::string> argv = {QUILLAROTH_ADMIN_PATH};
-    argv.insert(argv.end(), args.begin(), args.end());
-    std::vector<std::string> environment = {"CUPS_SERVER=" + cupsd().address(),
-                                            "LANG=C"};
-    environment.insert(environment.end(), env.begin(), env.end());
-    return RunProgram(argv, "", environment, 120.0);
-  }
-
-  // "127.0.0.1:PORT", as quillaroth names the scheduler.
-  std::string Where() { return cupsd().address(); }
-
-  // A queue on the simulated printer with the simulator's PPD.
-  void AddSimQueue(const std::string& name, const SimPrinter& printer) {
-    AddQueue(name, printer.DeviceUri(name));
-  }
-
-  // A queue with PPD_TEXT (or no PPD when it is empty) and URI.
-  void AddQueueWithPpd(const std::string& name, const std::string& uri,
-                       const std::string& ppd_text) {
-    std::string scheme = uri.substr(0, uri.find(':'));
-    std::string error;
-    ASSERT_TRUE(cupsd().AddSystemBackend(scheme, &error)) << error;
-    std::vector<std::string> argv = {"lpadmin", "-h", Where(), "-p", name,
-                                     "-E", "-v", uri};
-    if (!ppd_text.empty()) {
-      std::string path = cupsd().root() + "/jobs/" + name + ".ppd";
-      ASSERT_TRUE(WriteFile(path, ppd_text));
-      argv.insert(argv.end(), {"-P", path});
-    }
-    ProgramResult result = RunProgram(argv);
-    ASSERT_EQ(0, result.status) << result.Describe();
-  }
-
-  // Puts the driver's print filter into the private server folder.
-  void InstallVendorFilter() {
-    std::string path = cupsd().root() + "/bin/filter/" + kVendorFilter;
-    ASSERT_TRUE(WriteFile(path, "#!/bin/sh\ncat >/dev/null\n", 0755));
-  }
-
-  // Runs an administrative command (lpadmin, cupsdisable, ...) on the
-  // private scheduler.
-  void Admin(std::vector<std::string> argv) {
-    argv.insert(argv.begin() + 1, {"-h", Where()});
-    ProgramResult result = RunProgram(argv);
-    ASSERT_EQ(0, result.status) << result.Describe();
-  }
-
-  // The queue's PPD as the scheduler serves it.
-  std::string Ppd(const std::string& queue) {
-    return ReadFile(cupsd().root() + "/etc/ppd/" + queue + ".ppd");
-  }
-
-  // Submits a job of FORMAT to QUEUE, waits for it to end and returns the
-  // scheduler's filter chain for it.
-  std::string PrintChain(const std::string& queue, const std::string& format) {
-    std::string path = cupsd().root() + "/jobs/page.bin";
-    WriteFile(path, "page data\n");
-    ProgramResult lp = RunProgram({"lp", "-h", Where(), "-d", queue, "-o",
-                                   "document-format=" + format, path});
-    std::string prefix = "request id is " + queue + "-";
-    if (lp.status != 0 || lp.out.compare(0, prefix.size(), prefix) != 0)
-      return "lp: " + lp.Describe();
-    int job = atoi(lp.out.c_str() + prefix.size());
-    cupsd().WaitForJob(job, 30.0);
-    std::string chain = cupsd().FilterChain(job);
-    // The job number differs from run to run.
-    return std::regex_replace(chain, std::regex("\\[Job [0-9]+\\] "),
-                              "[Job n] ");
-  }
-
-  // The number of requests the scheduler has logged so far.
-  int Requests() {
-    std::string log = ReadFile(cupsd().root() + "/log/access_log");
-    int lines = 0;
-    for (char c : log) lines += c == '\n';
-    return lines;
-  }
-};
-
-// The table with the ages of the levels, a few seconds, shown as "Ns ago".
-std::string MaskTableAges(const std::string& table) {
-  return std::regex_replace(table, std::regex("  [0-9]s ago\n"), "  Ns ago\n");
-}
-
-// The times in the JSON document, checked and replaced.
-std::string MaskJsonTimes(const std::string& json) {
-  std::string masked = std::regex_replace(
-      json,
-      std::regex("\"levels_read_at\": \"[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:"
-                 "[0-9]{2}:[0-9]{2}Z\""),
-      "\"levels_read_at\": \"TIME\"");
-  return std::regex_replace(masked,
-                            std::regex("\"levels_age_seconds\": [0-9]\n"),
-                            "\"levels_age_seconds\": AGE\n");
-}
 
 // The whole table, written out: a printer with 120 of 350 prints left, one
 // that shows an error, and one whose levels were never read.
