@@ -1,0 +1,34 @@
+// Prometheus' own linter, promtool (Debian package prometheus), on the
+// exposition of the sample queues and of a queue with an odd name.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "admin/prometheus_text.h"
+#include "tests/admin/sample_queues.h"
+#include "tests/support/subprocess.h"
+
+namespace {
+
+TEST(PromtoolTest, CheckMetrics) {
+  const std::string promtool = FindProgram("promtool");
+  if (promtool.empty()) {
+    GTEST_SKIP() << "promtool is not installed (Debian package prometheus)";
+  }
+  std::vector<QueueStatus> queues = SampleQueues();
+  QueueStatus odd;
+  odd.queue = "Fot\xC3\xB3-\"A\"\\1\n\xE9";
+  odd.prints_remaining = 7;
+  odd.reasons = {{"media-empty-error", ""}};
+  queues.push_back(odd);
+  const ProgramResult result =
+      RunProgram({promtool, "check", "metrics"},
+                 PrometheusText(queues, kSampleNow));
+  EXPECT_EQ(0, result.status) << result.Describe();
+  EXPECT_EQ("", result.out);
+  EXPECT_EQ("", result.err);
+}
+
+}  // namespace
