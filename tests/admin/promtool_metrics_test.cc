@@ -18,11 +18,7 @@ TEST(PromtoolTest, CheckMetrics) {
     GTEST_SKIP() << "promtool is not installed (Debian package prometheus)";
   }
   std::vector<QueueStatus> queues = SampleQueues();
-  QueueStatus odd;
-  odd.queue = "Fot\xC3\xB3-\"A\"\\1\n\xE9";
-  odd.prints_remaining = 7;
-  odd.reasons = {{"media-empty-error", ""}};
-  queues.push_back(odd);
+  queues.push_back(OddlyNamedQueue());
   const ProgramResult result =
       RunProgram({promtool, "check", "metrics"},
                  PrometheusText(queues, kSampleNow));

@@ -43,3 +43,11 @@ std::vector<QueueStatus> SampleQueues() {
 
   return {photo, booth, spare, kiosk};
 }
+
+QueueStatus OddlyNamedQueue() {
+  QueueStatus odd;
+  odd.queue = "Fot\xC3\xB3-\"A\"\\1\n\xE9";
+  odd.prints_remaining = 7;
+  odd.reasons = {{"media-empty-error", ""}};
+  return odd;
+}

@@ -21,4 +21,9 @@ constexpr time_t kSampleNow = 1795521600;
 //          showing com.quillaroth-error0023 and offline-report.
 std::vector<QueueStatus> SampleQueues();
 
+// A queue whose name holds what the text format must escape (double
+// quotes, a backslash, a line feed), a UTF-8 letter and a Latin-1 byte
+// that is not UTF-8, with 7 prints left and media-empty-error showing.
+QueueStatus OddlyNamedQueue();
+
 #endif  // QUILLAROTH_TESTS_ADMIN_SAMPLE_QUEUES_H_
