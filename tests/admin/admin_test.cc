@@ -47,6 +47,13 @@ const char kPpdHead[] =
     "*DefaultPaperDimension: w288h432\n"
     "*PaperDimension w288h432/4x6: \"288 432\"\n";
 
+std::string PrintingPpd() {
+  return std::string(kPpdHead) + "*cupsFilter: \"text/plain 0 " +
+         kVendorFilter + "\"\n"
+         "*cupsFilter: \"application/vnd.cups-command 0 commandtoquillaroth\"\n"
+         "*cupsCommands: \"ReportLevels ReportStatus\"\n";
+}
+
 ProgramResult AdminTest::Quillaroth(const std::vector<std::string>& args) {
   ProcessSetup setup = QuillarothSetup(args);
   return RunProgram(setup.argv, "", setup.env, 120.0);

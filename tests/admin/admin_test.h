@@ -22,6 +22,9 @@
 extern const char kVendorFilter[];
 // The head of a printer's PPD, up to its filter lines.
 extern const char kPpdHead[];
+// The PPD of a printer whose driver prints text through kVendorFilter and
+// whose command jobs go to commandtoquillaroth (*cupsFilter lines).
+std::string PrintingPpd();
 
 class AdminTest : public CupsdTest {
  protected:

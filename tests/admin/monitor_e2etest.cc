@@ -34,7 +34,8 @@ TEST_F(AdminTest, IfOlderThanSkipsFreshQueues) {
 // A queue with a print job waiting is busy: an unattended refresh leaves it
 // alone, so that the print job waits for no command job.
 TEST_F(AdminTest, IfOlderThanLeavesBusyQueuesAlone) {
-  AddSimQueue("printing", SimPrinter());
+  AddQueueWithPpd("printing", SimPrinter().DeviceUri("printing"),
+                  PrintingPpd());
   std::string path = cupsd().root() + "/jobs/page.txt";
   ASSERT_TRUE(WriteFile(path, "page\n"));
   Admin({"lp", "-d", "printing", "-H", "indefinite", path});
@@ -46,7 +47,8 @@ TEST_F(AdminTest, IfOlderThanLeavesBusyQueuesAlone) {
 
 // Without --if-older-than the command job goes behind the print job.
 TEST_F(AdminTest, RefreshWhileAPrintJobIsQueued) {
-  AddSimQueue("printing", SimPrinter());
+  AddQueueWithPpd("printing", SimPrinter().DeviceUri("printing"),
+                  PrintingPpd());
   std::string path = cupsd().root() + "/jobs/page.txt";
   ASSERT_TRUE(WriteFile(path, "page\n"));
   Admin({"lp", "-d", "printing", "-H", "indefinite", path});
