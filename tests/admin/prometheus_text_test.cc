@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/admin/sample_queues.h"
+#include "tests/support/files.h"
 
 namespace {
 
@@ -50,6 +51,21 @@ TEST(PrometheusTextTest, SampleQueues) {
       "quillaroth_printer_reachable{queue=\"booth\"} 1\n"
       "quillaroth_printer_reachable{queue=\"kiosk\"} 0\n",
       PrometheusText(SampleQueues(), kSampleNow));
+}
+
+// The README's example is this text.
+TEST(PrometheusTextTest, ReadmeExampleIsTheSampleQueues) {
+  const std::string start =
+      "<!-- example metrics: from PrometheusText(SampleQueues()) -->\n```\n";
+  const std::string end = "```\n<!-- end of the example metrics -->\n";
+  const std::string readme = ReadFile(README_PATH);
+  size_t from = readme.find(start);
+  size_t to = readme.find(end);
+  ASSERT_NE(std::string::npos, from) << "no example metrics in " << README_PATH;
+  ASSERT_NE(std::string::npos, to);
+  from += start.size();
+  EXPECT_EQ(PrometheusText(SampleQueues(), kSampleNow),
+            readme.substr(from, to - from));
 }
 
 // The exposition of no queue but the one given, as of kSampleNow, without
