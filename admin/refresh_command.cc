@@ -90,12 +90,18 @@ int RunRefresh(const Invocation& invocation, Scheduler& scheduler) {
   for (const std::string& note : notes) Complain(note);
   if (queues.size() < invocation.queues.size()) status = kExitProblem;
 
+  time_t now = time(nullptr);
+  // The jobs are read only when some queue may get one: a run that finds
+  // every reading fresh makes one request in all.
+  bool any_candidate = false;
+  for (const RefreshStep& step :
+       PlanRefresh(queues, {}, invocation.if_older_than_seconds, now))
+    any_candidate = any_candidate || step.submit;
   std::vector<ActiveJob> active;
-  if (!scheduler.GetActiveJobs(&active, &error)) {
+  if (any_candidate && !scheduler.GetActiveJobs(&active, &error)) {
     Complain(error);
     return kExitProblem;
   }
-  time_t now = time(nullptr);
   std::vector<Submitted> submitted;
   for (const RefreshStep& step :
        PlanRefresh(queues, active, invocation.if_older_than_seconds, now)) {

@@ -41,8 +41,10 @@ std::vector<std::string> Cells(const QueueStatus& s, time_t now,
     cells[kLeft] = "-";
   cells[kLevel] = s.level_percent ? std::to_string(*s.level_percent) + "%" : "-";
   *stale = false;
-  if (!s.levels_read_at) {
+  if (!s.marker_level) {
     cells[kRead] = "never";
+  } else if (!s.levels_read_at) {
+    cells[kRead] = "unknown";
   } else {
     long age = static_cast<long>(now - *s.levels_read_at);
     *stale = age > stale_seconds;

@@ -8,7 +8,8 @@
 //     com.quillaroth-error0001: Printer error 0001 - see the printer's panel
 //
 // READ is the age of the levels, "stale" past the --stale age, "never"
-// when the filter never reported them.  Colours only where asked for.
+// when the filter never reported them, "unknown" when the scheduler holds
+// levels but no marker-change-time.  Colours only where asked for.
 
 #ifndef QUILLAROTH_ADMIN_STATUS_TABLE_H_
 #define QUILLAROTH_ADMIN_STATUS_TABLE_H_

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/admin/admin_test.h"
+#include "tests/admin/fleet.h"
 #include "tests/support/files.h"
 #include "tests/support/sim_printer.h"
 #include "tests/support/subprocess.h"
@@ -130,6 +131,54 @@ TEST_F(AdminTest, PrometheusToAFile) {
   EXPECT_NE(std::string::npos,
             metrics.find("quillaroth_prints_remaining{queue=\"booth\"} 120\n"))
       << metrics;
+}
+
+// 200 queues, 5 of them using the filter: status and refresh read them all
+// in one request, once the PPDs are known.
+TEST_F(AdminTest, TwoHundredQueuesInOneRequest) {
+  std::string error;
+  ASSERT_TRUE(StartFleet(cupsd(), 200, 40, PPD_PATH, &error)) << error;
+  for (int q = 40; q <= 200; q += 40)
+    ASSERT_NE(0, RunCommandJob(FleetQueue(q), kBothCommands));
+  int before = Requests();
+  ProgramResult first = Quillaroth({"status", "--all", "--json"});
+  ASSERT_EQ(0, first.status) << first.Describe();
+  EXPECT_EQ(1 + 200, Requests() - before);  // CUPS-Get-Printers, each PPD
+  before = Requests();
+  ProgramResult again = Quillaroth({"status", "--all", "--json"});
+  EXPECT_EQ(first.out.size(), again.out.size());
+  EXPECT_EQ(1, Requests() - before);
+
+  before = Requests();
+  ProgramResult status = Quillaroth({"status"});
+  EXPECT_EQ(1, Requests() - before);
+  EXPECT_EQ(
+      "QUEUE      LINK           STATE     LEFT  LEVEL  READ\n"
+      "fleet-040  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
+      "fleet-080  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
+      "fleet-120  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
+      "fleet-160  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n"
+      "fleet-200  quillarothsim  idle   120/350    34%  Ns ago\n"
+      "  ink sheet: PV-R32A(GX) 15x20(6x8\xe2\x80\xb3)\n",
+      MaskTableAges(status.out));
+
+  before = Requests();
+  ProgramResult refresh =
+      Quillaroth({"refresh", "--all", "--if-older-than", "1h"});
+  EXPECT_EQ(0, refresh.status);
+  EXPECT_EQ(1, Requests() - before);
+  std::string expected;
+  for (const char* q : {"fleet-040", "fleet-080", "fleet-120", "fleet-160",
+                        "fleet-200"})
+    expected += std::string(q) +
+                ": skipped: levels read Ns ago, not older than 60m\n";
+  EXPECT_EQ(expected, std::regex_replace(refresh.out,
+                                         std::regex("read [0-9]s ago"),
+                                         "read Ns ago"));
 }
 
 }  // namespace
