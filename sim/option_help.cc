@@ -31,7 +31,9 @@ const char kDescription[] =
     "named bare or =1, off with =0.";
 
 // True for an option that takes no value (a switch).
-bool is_switch(const OptionSpec& option) { return option.value[0] == '\0'; }
+bool is_switch(const OptionSpec& option) {
+  return option.kind == ValueKind::kSwitch;
+}
 
 // Text without its backticks.
 std::string plain(const std::string& text) {
@@ -83,7 +85,8 @@ std::string wrap(const std::string& first, const std::string& text,
 std::string command_line_form(const char* name, const OptionSpec& option) {
   std::string form = std::string("--") + name;
   if (is_switch(option)) return form;
-  if (option.value[0] == '[') return form + "[=" + (option.value + 1);
+  if (option.kind == ValueKind::kOptional)
+    return form + "[=" + option.value + "]";
   return form + " " + option.value;
 }
 
@@ -91,9 +94,7 @@ std::string command_line_form(const char* name, const OptionSpec& option) {
 std::string key_form(const OptionSpec& option) {
   std::string form = option.name;
   if (is_switch(option)) return form;
-  std::string value = option.value;
-  if (value[0] == '[') value = value.substr(1, value.size() - 2);
-  return form + "=" + value;
+  return form + "=" + option.value;
 }
 
 // The Option column: each command-line spelling, or a dash.

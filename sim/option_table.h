@@ -48,16 +48,26 @@ struct OptionTarget {
   ReplyShape* shape = nullptr;      // every scope
 };
 
+// What an option takes after its name.
+enum class ValueKind {
+  kSwitch,    // nothing, =1 or =0: --oneway, oneway, oneway=0
+  kRequired,  // a value: --error 060202, error=060202
+  kOptional,  // a value that the command line may leave out:
+              // --close-sidechannel, --close-sidechannel=2
+};
+
 struct OptionSpec {
   const char* name;
   const char* alias;  // a second name that is accepted too, or nullptr
-  // The value's syntax: "XXXXXX", "N", "" for a switch, "[N]" when the
-  // value may be left out on the command line.
+  ValueKind kind;
+  // The value's syntax: "XXXXXX", "N"; "" for a switch.
   const char* value;
   OptionGroup group;
   unsigned scope;
   ReplyField field;
-  const char* default_value;  // the printer's value when unscripted, or ""
+  // The printer's value when unscripted, or "": the scenario and the reply
+  // start from these (Scenario(), default_reply_shape()).
+  const char* default_value;
   // What a good value is, for complaints ("a number or never"); "" for a
   // reply field (it follows from the field's width).
   const char* takes;
@@ -91,6 +101,10 @@ bool apply_option(const OptionSpec& option, const std::string& name_given,
 // and says why (an unknown key: "unknown key \"colour\"").
 bool apply_keys(const std::string& list, char separator, unsigned scope,
                 const OptionTarget& target, std::string* why);
+
+// The target of scenario keys (a device URI, --connection, a USB script):
+// the scenario, and its every-query reply shape.
+OptionTarget scenario_target(Scenario* scenario);
 
 // The reply that the printer gives when the script says nothing: each
 // reply field at its default.

@@ -75,6 +75,32 @@ TEST_F(OptionTableTest, ReplyFieldsLieInsideTheReplyApart) {
   }
 }
 
+TEST_F(OptionTableTest, EveryDefaultIsAGoodValue) {
+  Scenario scenario;
+  for (const OptionSpec& option : option_table()) {
+    if (option.default_value[0] == '\0') continue;
+    std::string why;
+    EXPECT_TRUE(apply_option(option, option.name, option.default_value,
+                             scenario_target(&scenario), &why))
+        << why;
+  }
+}
+
+TEST_F(OptionTableTest, UnscriptedScenarioHasTheTableDefaults) {
+  Scenario scenario;
+  EXPECT_TRUE(scenario.bidi.answered);
+  EXPECT_EQ(CUPS_SC_STATUS_OK, scenario.bidi.status);
+  EXPECT_EQ(Bytes({0x01}), scenario.bidi_data);
+  EXPECT_TRUE(scenario.drain.answered);
+  EXPECT_EQ(CUPS_SC_STATUS_OK, scenario.drain.status);
+  EXPECT_EQ(0, scenario.wake_after);
+  EXPECT_EQ(0x00, scenario.fill);
+  EXPECT_EQ((std::array<uint8_t, 4>{0, 0, 0, 0}), scenario.job_status);
+  EXPECT_EQ(-1, scenario.close_sidechannel_at);
+  EXPECT_FALSE(scenario.hang);
+  EXPECT_EQ(DefaultInfoReply(), FirstReply(scenario));
+}
+
 TEST_F(OptionTableTest, SameKeysMakeTheSameReplyEverywhere) {
   ASSERT_TRUE(CommandLine({"--error", "060202", "--split", "100+50",
                            "--remaining", "0", "--", "filter"}));

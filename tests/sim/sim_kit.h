@@ -38,11 +38,8 @@ inline Bytes WithBytes(Bytes reply, size_t offset, const Bytes& bytes) {
 // Applies scenario keys ("error=060202&wake-after=2"), as a device URI
 // does; on a bad key returns the complaint, else "".
 inline std::string ScriptUri(Scenario* scenario, const std::string& keys) {
-  OptionTarget target;
-  target.scenario = scenario;
-  target.shape = &scenario->every;
   std::string why;
-  apply_keys(keys, '&', kScenarioKey, target, &why);
+  apply_keys(keys, '&', kScenarioKey, scenario_target(scenario), &why);
   return why;
 }
 
