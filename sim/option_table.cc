@@ -93,11 +93,14 @@ bool parse_file_name(const std::string& text, std::string* out) {
   return true;
 }
 
-// The formats of --print-table.
+// One of the formats of --print-table.
 bool parse_table_format(const std::string& text, std::string* out) {
-  if (text != "markdown") return false;
-  *out = text;
-  return true;
+  for (const char* format : kTableFormats) {
+    if (text != format) continue;
+    *out = text;
+    return true;
+  }
+  return false;
 }
 
 // The one-way switch: the probe's answer byte.
@@ -283,8 +286,10 @@ const std::vector<OptionSpec>& rows() {
        "flush).",
        into<&SimSettings::stdout_devfull, parse_switch>},
       {"print-table", nullptr, kRequired, "FORMAT", OptionGroup::kOutput,
-       kCommandLine, kNoField, "", "markdown",
-       "Print these tables of options (`markdown`, as in the README) and exit.",
+       kCommandLine, kNoField, "", "markdown, uri-keys or man",
+       "Print the options and exit: as the README's tables (`markdown`), "
+       "the README's table of device-URI keys (`uri-keys`) or the manual "
+       "page's option sections (`man`).",
        into<&SimSettings::print_table, parse_table_format>},
       {"help", nullptr, kSwitch, "", OptionGroup::kOutput, kCommandLine,
        kNoField, "", "1 or 0", "Print the options and exit.",

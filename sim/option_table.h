@@ -10,8 +10,9 @@
 // with the same name and the same value everywhere (lists are joined with
 // kListSeparator, '+').  A row that is a reply field also gives its offset
 // and width in the printer-information reply; the reply is laid out from
-// those rows (sim/reply_plan.cc), and --help and the README's tables are
-// printed from the table (sim/option_help.h).  A new field is one new row.
+// those rows (sim/reply_plan.cc), and --help, the README's tables and the
+// manual page's option sections are printed from the table
+// (sim/option_help.h).  A new field is one new row.
 
 #ifndef QUILLAROTH_SIM_OPTION_TABLE_H_
 #define QUILLAROTH_SIM_OPTION_TABLE_H_
@@ -113,6 +114,10 @@ ReplyShape default_reply_shape();
 // The scenario of the Nth connection (counted from 1): the run-wide one
 // with that connection's --connection keys laid over it.
 Scenario scenario_for_connection(const SimSettings& settings, long connection);
+
+// The formats of --print-table: the README's option tables, its table of
+// device-URI keys, and the manual page's option sections.
+constexpr const char* kTableFormats[] = {"markdown", "uri-keys", "man"};
 
 // The name of the power-state field: a sleeping printer reports 01 there.
 constexpr char kPowerField[] = "power";
