@@ -43,7 +43,8 @@ PrinterCore::PrinterCore(Scenario scenario)
 
 std::vector<PrinterEvent> PrinterCore::Start() const {
   std::vector<PrinterEvent> events;
-  if (hung_) events.push_back(line_event("printer hangs: it reads and answers nothing"));
+  if (hung_)
+    events.push_back(line_event("printer hangs: it reads and answers nothing"));
   return events;
 }
 
