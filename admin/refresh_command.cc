@@ -18,6 +18,8 @@ constexpr char kRefreshCommands[] = "#CUPS-COMMAND\nReportLevels\nReportStatus\n
 constexpr char kRefreshTitle[] = "quillaroth refresh";
 // How often --wait asks for the jobs' states.
 constexpr long kPollNanoseconds = 250L * 1000 * 1000;
+// How long --wait waits for a scheduler that stopped answering.
+constexpr double kSchedulerGoneSeconds = 10.0;
 
 struct Submitted {
   std::string queue;
@@ -40,6 +42,7 @@ const char* JobStateName(int state) {
 bool WaitForJobs(Scheduler& scheduler, std::vector<Submitted>* jobs,
                  long timeout_seconds, bool* failed_job) {
   double deadline = MonotonicSeconds() + static_cast<double>(timeout_seconds);
+  double last_answer = MonotonicSeconds();
   for (;;) {
     bool all_ended = true;
     for (Submitted& job : *jobs) {
@@ -47,9 +50,17 @@ bool WaitForJobs(Scheduler& scheduler, std::vector<Submitted>* jobs,
       JobState now;
       std::string error;
       if (!scheduler.GetJobState(job.job_id, &now, &error)) {
-        Complain("lost the scheduler while waiting for the jobs: " + error);
+        // A scheduler that restarts answers again within seconds, and keeps
+        // its jobs; one that stays away ends the wait.
+        if (MonotonicSeconds() - last_answer < kSchedulerGoneSeconds) {
+          all_ended = false;
+          continue;
+        }
+        Complain("the scheduler stopped answering while refresh waited: " +
+                 error);
         return false;
       }
+      last_answer = MonotonicSeconds();
       if (now.state == 0) now.state = IPP_JSTATE_CANCELED;  // gone
       if (now.state != job.state) {
         job.state = now.state;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 #include <cups/cups.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <regex>
 #include <string>
@@ -85,19 +87,44 @@ TEST_F(AdminTest, PrinterThatNeverAnswersHoldsOneJob) {
   Admin({"cancel", "-a", "off"});
 }
 
-// The scheduler goes away while refresh waits: a clear message, no hang.
+// The scheduler restarts while refresh waits: the job is done after it.
 TEST_F(AdminTest, SchedulerRestartedDuringWait) {
-  AddSimQueue("slow", SimPrinter().WakeAfter(5));
+  AddSimQueue("slow", SimPrinter().WakeAfter(3));
   Subprocess refresh(QuillarothSetup({"refresh", "--wait", "slow"}));
-  // Until the job runs.
   for (int i = 0; i < 100 && Jobs("not-completed").empty(); i++)
     usleep(50 * 1000);
   std::string error;
   ASSERT_TRUE(cupsd().RestartWith("", &error)) << error;
   ExitStatus end = refresh.Wait(60.0);
   EXPECT_FALSE(end.killed) << "quillaroth hung";
+  EXPECT_EQ(0, end.ShellStatus());
+  EXPECT_EQ((std::vector<int>{}), Jobs("not-completed"));
+}
+
+// The scheduler goes away for good while refresh waits: one clear line
+// after 10 s, no hang.
+TEST_F(AdminTest, SchedulerGoneDuringWait) {
+  AddSimQueue("slow", SimPrinter().WakeAfter(3));
+  std::string errors = cupsd().root() + "/jobs/refresh.err";
+  ProcessSetup setup = QuillarothSetup({"refresh", "--wait", "slow"});
+  int err_fd = open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  int null_fd = open("/dev/null", O_RDWR);
+  setup.fds = {{0, null_fd}, {1, null_fd}, {2, err_fd}};
+  Subprocess refresh(setup);
+  close(err_fd);
+  close(null_fd);
+  for (int i = 0; i < 100 && Jobs("not-completed").empty(); i++)
+    usleep(50 * 1000);
+  std::string address = Where();
+  cupsd().Stop();
+  ExitStatus end = refresh.Wait(60.0);
+  EXPECT_FALSE(end.killed) << "quillaroth hung";
   EXPECT_EQ(1, end.ShellStatus());
-  EXPECT_LT(end.seconds, 30.0);
+  EXPECT_LT(end.seconds, 20.0);
+  EXPECT_EQ("quillaroth: the scheduler stopped answering while refresh "
+            "waited: cannot read job 1 from " + address + ": REASON\n",
+            std::regex_replace(ReadFile(errors),
+                               std::regex(": [^:\n]*\n$"), ": REASON\n"));
 }
 
 // --warn-below: one line per queue that needs a look, exit 1.
