@@ -37,8 +37,8 @@ enum class Kind { Switch, Count, Duration, File };
 // One option: the commands it belongs to, its name, its value and its help.
 struct OptionRow {
   unsigned commands;
-  const char* name;
   Kind kind;
+  const char* name;
   const char* metavar;
   const char* help;
   bool Invocation::*flag;
@@ -47,37 +47,37 @@ struct OptionRow {
 };
 
 constexpr OptionRow kOptions[] = {
-    {kEnable, "--dry-run", Kind::Switch, "",
+    {kEnable, Kind::Switch, "--dry-run", "",
      "print the change as a unified diff; change nothing",
      &Invocation::dry_run, nullptr, nullptr},
-    {kStatus, "--all", Kind::Switch, "",
+    {kStatus, Kind::Switch, "--all", "",
      "every queue, not only those that use the filter", &Invocation::all,
      nullptr, nullptr},
-    {kRefresh, "--all", Kind::Switch, "",
+    {kRefresh, Kind::Switch, "--all", "",
      "every queue that uses the filter (the default)", &Invocation::all,
      nullptr, nullptr},
-    {kStatus, "--json", Kind::Switch, "", "JSON for scripts",
+    {kStatus, Kind::Switch, "--json", "", "JSON for scripts",
      &Invocation::json, nullptr, nullptr},
-    {kStatus, "--prometheus", Kind::Switch, "",
+    {kStatus, Kind::Switch, "--prometheus", "",
      "Prometheus' text exposition format", &Invocation::prometheus, nullptr,
      nullptr},
-    {kStatus, "--stale", Kind::Duration, "DURATION",
+    {kStatus, Kind::Duration, "--stale", "DURATION",
      "mark levels older than this as stale (default 1h)", nullptr,
      &Invocation::stale_seconds, nullptr},
-    {kStatus, "--warn-below", Kind::Count, "N",
+    {kStatus, Kind::Count, "--warn-below", "N",
      "only the queues with fewer than N prints left or an error showing, "
      "one line each; exit 1 when there is any",
      nullptr, nullptr, &Invocation::warn_below},
-    {kStatus, "--output", Kind::File, "FILE",
+    {kStatus, Kind::File, "--output", "FILE",
      "write to FILE (replaced whole, atomically) instead of standard output",
      nullptr, nullptr, nullptr},
-    {kRefresh, "--if-older-than", Kind::Duration, "DURATION",
+    {kRefresh, Kind::Duration, "--if-older-than", "DURATION",
      "only queues whose levels are older than this, and not busy", nullptr,
      nullptr, &Invocation::if_older_than_seconds},
-    {kRefresh, "--wait", Kind::Switch, "",
+    {kRefresh, Kind::Switch, "--wait", "",
      "wait for the jobs, showing their progress, then show their status",
      &Invocation::wait, nullptr, nullptr},
-    {kRefresh, "--wait-timeout", Kind::Duration, "DURATION",
+    {kRefresh, Kind::Duration, "--wait-timeout", "DURATION",
      "with --wait, give up waiting after this long (default 5min)", nullptr,
      &Invocation::wait_timeout_seconds, nullptr},
 };

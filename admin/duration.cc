@@ -38,7 +38,7 @@ std::optional<long> ParseDuration(const std::string& text) {
 std::string ShortAge(long seconds) {
   if (seconds < 0) seconds = 0;
   if (seconds < 120) return std::to_string(seconds) + "s";
-  if (seconds < 2 * 3600) return std::to_string(seconds / 60) + "m";
-  if (seconds < 2 * 86400) return std::to_string(seconds / 3600) + "h";
+  if (seconds < 2L * 3600) return std::to_string(seconds / 60) + "m";
+  if (seconds < 2L * 86400) return std::to_string(seconds / 3600) + "h";
   return std::to_string(seconds / 86400) + "d";
 }

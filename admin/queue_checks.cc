@@ -27,7 +27,7 @@ std::string WhyNoFilterHere(const PrinterAttributes& printer) {
   for (const char* remote : kRemoteSchemes)
     if (scheme == remote)
       return name + " is a queue for a printer shared from elsewhere (" +
-             scheme + "): enable it on the server that owns the printer";
+             scheme.append("): enable it on the server that owns the printer");
   bool one_way = false;
   for (const char* s : kOneWaySchemes) one_way = one_way || scheme == s;
   // A DNS-SD URI names the protocol the printer is found by; IPP is one way.

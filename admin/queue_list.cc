@@ -6,6 +6,13 @@
 #include "admin/ppd_cache.h"
 #include "admin/queue_reader.h"
 
+std::vector<QueueStatus> Statuses(const std::vector<Queue>& queues) {
+  std::vector<QueueStatus> statuses;
+  statuses.reserve(queues.size());
+  for (const Queue& queue : queues) statuses.push_back(queue.status);
+  return statuses;
+}
+
 std::string NoSuchQueue(const std::string& name, const Scheduler& scheduler) {
   return "no queue named '" + name + "' on " + scheduler.where();
 }

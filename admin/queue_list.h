@@ -31,6 +31,9 @@ bool ReadQueues(Scheduler& scheduler, const QueueSelection& selection,
                 std::vector<Queue>* queues, std::vector<std::string>* notes,
                 std::string* error);
 
+// The statuses of QUEUES, in their order.
+std::vector<QueueStatus> Statuses(const std::vector<Queue>& queues);
+
 // The line for a name that no queue has.
 std::string NoSuchQueue(const std::string& name, const Scheduler& scheduler);
 

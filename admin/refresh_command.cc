@@ -30,7 +30,8 @@ struct Submitted {
 double MonotonicSeconds() {
   struct timespec now;
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<double>(now.tv_sec) + now.tv_nsec / 1e9;
+  return static_cast<double>(now.tv_sec) +
+         static_cast<double>(now.tv_nsec) / 1e9;
 }
 
 const char* JobStateName(int state) {
@@ -160,8 +161,7 @@ int RunRefresh(const Invocation& invocation, Scheduler& scheduler) {
     return kExitProblem;
   }
   for (const std::string& note : notes) Complain(note);
-  std::vector<QueueStatus> shown;
-  for (const Queue& q : after) shown.push_back(q.status);
+  std::vector<QueueStatus> shown = Statuses(after);
   TableStyle style;
   style.stale_seconds = invocation.stale_seconds;
   printf("\n%s", StatusTable(shown, time(nullptr), style).c_str());

@@ -77,20 +77,20 @@ std::unique_ptr<Scheduler> Scheduler::Connect(const std::string& host,
   if (!host.empty()) cupsSetServer(host.c_str());
   cupsSetPasswordCB2(NoPassword, nullptr);
   std::string server = cupsServer();
-  std::string where = server[0] == '/'
-                          ? server
-                          : server + ":" + std::to_string(ippPort());
+  std::string address = server[0] == '/'
+                            ? server
+                            : server + ":" + std::to_string(ippPort());
   http_t* http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC,
                               cupsEncryption(), 1, kConnectTimeoutMs, nullptr);
   if (http == nullptr) {
     const char* source = !host.empty()               ? "from -h"
                          : getenv("CUPS_SERVER") != nullptr ? "from CUPS_SERVER"
                                                             : "the default";
-    *error = "no scheduler answers at " + where + " (" + source + ")";
+    *error = "no scheduler answers at " + address + " (" + source + ")";
     return nullptr;
   }
   httpSetTimeout(http, kRequestTimeoutSeconds, nullptr, nullptr);
-  return std::unique_ptr<Scheduler>(new Scheduler(http, where));
+  return std::unique_ptr<Scheduler>(new Scheduler(http, address));
 }
 
 std::string Scheduler::PrinterUri(const std::string& queue) {

@@ -51,8 +51,7 @@ int RunStatus(const Invocation& invocation, Scheduler& scheduler) {
     if (!found) status = kExitProblem;
   }
 
-  std::vector<QueueStatus> shown;
-  for (const Queue& q : queues) shown.push_back(q.status);
+  std::vector<QueueStatus> shown = Statuses(queues);
   time_t now = time(nullptr);
   std::string text;
   if (invocation.json) {

@@ -76,7 +76,8 @@ std::string StatusTable(const std::vector<QueueStatus>& queues, time_t now,
       std::string cell = c + 1 == kColumns
                              ? cells[c]
                              : Pad(cells[c], widths[c], c == kLeft || c == kLevel);
-      if (c == kRead && stale_age && style.colour) cell = kYellow + cell + kPlain;
+      if (c == kRead && stale_age && style.colour)
+        cell = std::string(kYellow).append(cell).append(kPlain);
       text += c + 1 == kColumns ? cell : cell + "  ";
     }
     return text + "\n";

@@ -24,7 +24,7 @@ bool IsErrorReason(const std::string& keyword) {
 }
 
 std::vector<std::string> WarnLines(const std::vector<QueueStatus>& queues,
-                                   int below) {
+                                   long below) {
   std::vector<std::string> lines;
   for (const QueueStatus& queue : queues) {
     if (queue.prints_remaining && *queue.prints_remaining < below) {

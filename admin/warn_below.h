@@ -22,6 +22,6 @@ bool IsErrorReason(const std::string& keyword);
 // alone when its PPD gives no text).  A queue whose levels are unknown
 // gets no line for them.
 std::vector<std::string> WarnLines(const std::vector<QueueStatus>& queues,
-                                   int below);
+                                   long below);
 
 #endif  // QUILLAROTH_ADMIN_WARN_BELOW_H_

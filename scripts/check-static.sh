@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Static checks of the filter and its library: clang-tidy with the checked-in
+# Static checks of the filter, its library and the admin's command: clang-tidy with the checked-in
 # .clang-tidy (warnings are errors) and cppcheck.  Exits non-zero on any
 # finding.
 # Usage: scripts/check-static.sh
 source "$(dirname "$0")/lib.sh"
 dir=build-hstatic
-sources=(debug/*.cc status/*.cc report/*.cc link/*.cc filter/*.cc)
+sources=(debug/*.cc status/*.cc report/*.cc link/*.cc filter/*.cc admin/*.cc)
 
 start=$(date +%s)
 # clang-tidy needs the compile commands of a configured tree.
