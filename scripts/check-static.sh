@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Static checks of the filter, its library and the admin's command: clang-tidy with the checked-in
-# .clang-tidy (warnings are errors) and cppcheck.  Exits non-zero on any
+# Static checks of the filter, its library and the admin's command:
+# clang-tidy with the checked-in .clang-tidy (warnings are errors) and
+# cppcheck.  Exits non-zero on any
 # finding.
 # Usage: scripts/check-static.sh
 source "$(dirname "$0")/lib.sh"
