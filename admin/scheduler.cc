@@ -53,6 +53,28 @@ int TemporaryFile(std::string* path, std::string* error) {
   return fd;
 }
 
+// Calls READ(attribute, name, object) for each attribute of GROUP in
+// RESPONSE, with a new object appended to *OBJECTS for each group.
+template <typename Object, typename Read>
+void ForEachObject(ipp_t* response, ipp_tag_t group,
+                   std::vector<Object>* objects, Read read) {
+  Object* object = nullptr;
+  for (ipp_attribute_t* attr = ippFirstAttribute(response); attr != nullptr;
+       attr = ippNextAttribute(response)) {
+    const char* name = ippGetName(attr);
+    if (name == nullptr) {  // a separator: the next object begins
+      object = nullptr;
+      continue;
+    }
+    if (ippGetGroupTag(attr) != group) continue;
+    if (object == nullptr) {
+      objects->emplace_back();
+      object = &objects->back();
+    }
+    read(attr, name, object);
+  }
+}
+
 }  // namespace
 
 std::string LastErrorText() {
@@ -98,6 +120,19 @@ std::string Scheduler::PrinterUri(const std::string& queue) {
   httpAssembleURIf(HTTP_URI_CODING_ALL, uri, sizeof(uri), "ipp", nullptr,
                    "localhost", 0, "/printers/%s", queue.c_str());
   return uri;
+}
+
+ipp_t* Scheduler::ListRequest(ipp_t* request, const char* what,
+                              std::string* error) {
+  ipp_t* response = cupsDoRequest(http_, request, "/");
+  if (response != nullptr && cupsLastError() <= IPP_STATUS_OK_CONFLICTING)
+    return response;
+  // A scheduler without queues or jobs answers client-error-not-found.
+  if (cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND)
+    *error = std::string("cannot read the ") + what + " from " + where_ +
+             ": " + LastErrorText();
+  ippDelete(response);
+  return nullptr;
 }
 
 ipp_t* Scheduler::RequestWithFile(ipp_t* request, const char* resource,
@@ -148,32 +183,11 @@ bool Scheduler::GetPrinters(std::vector<PrinterAttributes>* printers,
                 nullptr, kPrinterAttributes);
   ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME,
                "requesting-user-name", nullptr, cupsUser());
-  ipp_t* response = cupsDoRequest(http_, request, "/");
-  // A scheduler without queues answers client-error-not-found.
-  if (response != nullptr && cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND) {
-    ippDelete(response);
-    printers->clear();
-    return true;
-  }
-  if (response == nullptr || cupsLastError() > IPP_STATUS_OK_CONFLICTING) {
-    *error = "cannot read the queues from " + where_ + ": " + LastErrorText();
-    ippDelete(response);
-    return false;
-  }
   printers->clear();
-  PrinterAttributes* printer = nullptr;
-  for (ipp_attribute_t* attr = ippFirstAttribute(response); attr != nullptr;
-       attr = ippNextAttribute(response)) {
-    const char* name = ippGetName(attr);
-    if (name == nullptr) {  // a separator: the next queue begins
-      printer = nullptr;
-      continue;
-    }
-    if (ippGetGroupTag(attr) != IPP_TAG_PRINTER) continue;
-    if (printer == nullptr) {
-      printers->emplace_back();
-      printer = &printers->back();
-    }
+  ipp_t* response = ListRequest(request, "queues", error);
+  if (response == nullptr) return cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND;
+  ForEachObject(response, IPP_TAG_PRINTER, printers, [](
+      ipp_attribute_t* attr, const char* name, PrinterAttributes* printer) {
     ipp_tag_t tag = ippGetValueTag(attr);
     bool integer = tag == IPP_TAG_INTEGER || tag == IPP_TAG_ENUM;
     const char* text = ippGetString(attr, 0, nullptr);
@@ -205,7 +219,7 @@ bool Scheduler::GetPrinters(std::vector<PrinterAttributes>* printers,
     } else if (strcmp(name, "printer-config-change-time") == 0 && integer) {
       printer->config_change_time = ippGetInteger(attr, 0);
     }
-  }
+  });
   ippDelete(response);
   return true;
 }
@@ -260,31 +274,11 @@ bool Scheduler::GetActiveJobs(std::vector<ActiveJob>* jobs,
                 "requested-attributes",
                 sizeof(kJobAttributes) / sizeof(kJobAttributes[0]), nullptr,
                 kJobAttributes);
-  ipp_t* response = cupsDoRequest(http_, request, "/");
-  if (response != nullptr && cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND) {
-    ippDelete(response);
-    jobs->clear();
-    return true;
-  }
-  if (response == nullptr || cupsLastError() > IPP_STATUS_OK_CONFLICTING) {
-    *error = "cannot read the jobs from " + where_ + ": " + LastErrorText();
-    ippDelete(response);
-    return false;
-  }
   jobs->clear();
-  ActiveJob* job = nullptr;
-  for (ipp_attribute_t* attr = ippFirstAttribute(response); attr != nullptr;
-       attr = ippNextAttribute(response)) {
-    const char* name = ippGetName(attr);
-    if (name == nullptr) {
-      job = nullptr;
-      continue;
-    }
-    if (ippGetGroupTag(attr) != IPP_TAG_JOB) continue;
-    if (job == nullptr) {
-      jobs->emplace_back();
-      job = &jobs->back();
-    }
+  ipp_t* response = ListRequest(request, "jobs", error);
+  if (response == nullptr) return cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND;
+  ForEachObject(response, IPP_TAG_JOB, jobs, [](
+      ipp_attribute_t* attr, const char* name, ActiveJob* job) {
     if (strcmp(name, "job-id") == 0) {
       job->id = ippGetInteger(attr, 0);
     } else if (strcmp(name, "job-state") == 0) {
@@ -295,7 +289,7 @@ bool Scheduler::GetActiveJobs(std::vector<ActiveJob>* jobs,
       const char* format = ippGetString(attr, 0, nullptr);
       job->command = format != nullptr && strcmp(format, kCommandFormat) == 0;
     }
-  }
+  });
   ippDelete(response);
   return true;
 }

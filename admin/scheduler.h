@@ -91,6 +91,10 @@ class Scheduler {
   // Sends REQUEST (taken over) to RESOURCE; the response or nullptr with
   // the reason in *error.
   ipp_t* Request(ipp_t* request, const char* resource, std::string* error);
+  // Sends a request for a list (queues, jobs) to "/"; the response, or
+  // nullptr: with cupsLastError() client-error-not-found when the list is
+  // empty, else with the reason in *error.
+  ipp_t* ListRequest(ipp_t* request, const char* what, std::string* error);
   // The same with DOCUMENT attached (a PPD, a command file), sent from a
   // temporary file as libcups sends files.
   ipp_t* RequestWithFile(ipp_t* request, const char* resource,
