@@ -75,6 +75,18 @@ void ForEachObject(ipp_t* response, ipp_tag_t group,
   }
 }
 
+// A request of OPERATION on job JOB_ID (by printer-uri and job-id).
+ipp_t* JobRequest(ipp_op_t operation, int job_id) {
+  ipp_t* request = ippNewRequest(operation);
+  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri",
+               nullptr, "ipp://localhost/");
+  ippAddInteger(request, IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id",
+                job_id);
+  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME,
+               "requesting-user-name", nullptr, cupsUser());
+  return request;
+}
+
 }  // namespace
 
 std::string LastErrorText() {
@@ -296,13 +308,7 @@ bool Scheduler::GetActiveJobs(std::vector<ActiveJob>* jobs,
 
 bool Scheduler::GetJobState(int job_id, JobState* state, std::string* error) {
   static const char* const kWanted[] = {"job-state", "job-state-reasons"};
-  ipp_t* request = ippNewRequest(IPP_OP_GET_JOB_ATTRIBUTES);
-  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri",
-               nullptr, "ipp://localhost/");
-  ippAddInteger(request, IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id",
-                job_id);
-  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME,
-               "requesting-user-name", nullptr, cupsUser());
+  ipp_t* request = JobRequest(IPP_OP_GET_JOB_ATTRIBUTES, job_id);
   ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD,
                 "requested-attributes", 2, nullptr, kWanted);
   ipp_t* response = cupsDoRequest(http_, request, "/");
@@ -352,13 +358,7 @@ int Scheduler::SubmitCommandJob(const std::string& queue,
 }
 
 bool Scheduler::PurgeJob(int job_id, std::string* error) {
-  ipp_t* request = ippNewRequest(IPP_OP_CANCEL_JOB);
-  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "printer-uri",
-               nullptr, "ipp://localhost/");
-  ippAddInteger(request, IPP_TAG_OPERATION, IPP_TAG_INTEGER, "job-id",
-                job_id);
-  ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_NAME,
-               "requesting-user-name", nullptr, cupsUser());
+  ipp_t* request = JobRequest(IPP_OP_CANCEL_JOB, job_id);
   ippAddBoolean(request, IPP_TAG_OPERATION, "purge-job", 1);
   ipp_t* response = Request(request, "/jobs/", error);
   ippDelete(response);
