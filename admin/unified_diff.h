@@ -1,0 +1,16 @@
+// UnifiedDiff: the change between two texts as `diff -u` prints it,
+// without the timestamps, for `quillaroth enable|disable --dry-run`.
+
+#ifndef QUILLAROTH_ADMIN_UNIFIED_DIFF_H_
+#define QUILLAROTH_ADMIN_UNIFIED_DIFF_H_
+
+#include <string>
+#include <string_view>
+
+// "--- OLD_NAME\n+++ NEW_NAME\n" and "@@ -l,n +l,n @@" hunks with three
+// lines of context, "\ No newline at end of file" after a last line that
+// has none; "" when the texts are the same.
+std::string UnifiedDiff(std::string_view old_name, std::string_view new_name,
+                        std::string_view old_text, std::string_view new_text);
+
+#endif  // QUILLAROTH_ADMIN_UNIFIED_DIFF_H_
