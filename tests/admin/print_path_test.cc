@@ -66,6 +66,10 @@ class PrintPathTest : public testing::Test {
                               kDataDir + "\n"));
   }
 
+  void TearDown() override {
+    if (!dir_.empty()) RemoveTree(dir_);
+  }
+
   // The filters that CUPS runs for a document of the format on a queue
   // with the PPD, one a line; "" when it has none.
   std::string Chain(const std::string& ppd, const std::string& format) {

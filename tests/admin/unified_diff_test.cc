@@ -39,6 +39,10 @@ class UnifiedDiffTest : public testing::Test {
               UnifiedDiff("old", "new", old_text, new_text));
   }
 
+  void TearDown() override {
+    if (!dir_.empty()) RemoveTree(dir_);
+  }
+
   void SetUp() override {
     if (FindProgram(kDiff).empty()) GTEST_SKIP() << kDiff << " is not installed";
   }
