@@ -3,8 +3,10 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <vector>
@@ -337,6 +339,12 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
     return Refuse(ppd, "the edited PPD would not read: " + *after.error);
   if (!IsOurProgram(CommandProgram(after)))
     return Refuse(ppd, "the edited PPD would not run commandtoquillaroth");
+  std::vector<std::string> listed =
+      after.commands ? ValueWords(*after.commands) : std::vector<std::string>();
+  for (const std::string& word : ours.command_words)
+    if (std::find(listed.begin(), listed.end(), word) == listed.end())
+      return Refuse(ppd, "the edited PPD would not list " + word +
+                             " in its *cupsCommands line");
   return edit;
 }
 

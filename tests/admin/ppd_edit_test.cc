@@ -149,6 +149,17 @@ TEST_F(PpdEditTest, CommandsWithBothOfOursStayAsTheyAre) {
   ExpectLaws(ppd);
 }
 
+// "none" (no commands, and so no command filter) gives way to ours.
+TEST_F(PpdEditTest, CommandsNoneGivesWayToOurs) {
+  std::string ppd = std::string(kHeader) + kVendorFilter +
+                    "*cupsCommands: none\n" + kTrailer;
+  EXPECT_EQ(std::string(kHeader) + kVendorFilter +
+                "*% quillaroth enable: was *cupsCommands: none\n" + kTrailer +
+                Block({kFilterLine, kCommandsLine, ReasonLines()}),
+            Enable(ppd));
+  ExpectLaws(ppd);
+}
+
 TEST_F(PpdEditTest, EnabledTwiceChangesNothing) {
   std::string once = Enable(FilterOnlyPpd());
   PpdEdit twice = EnableCommandFilter(once);
