@@ -203,35 +203,40 @@ struct Block {
   bool begin_had_no_line_end = false;
 };
 
-// The block of the lines, if any; a damaged one sets *error.
-std::optional<Block> FindBlock(const std::vector<Line>& lines,
-                               std::string* error) {
+// What FindBlock found: the block, or none, or why the PPD's block is
+// damaged.
+struct BlockSearch {
   std::optional<Block> block;
+  std::string error;
+};
+
+BlockSearch FindBlock(const std::vector<Line>& lines) {
+  BlockSearch search;
   std::optional<size_t> open;
   for (size_t i = 0; i < lines.size(); ++i) {
     const std::string& body = lines[i].body;
     if (body == kBegin || body == kBeginNoLineEnd) {
-      if (open || block) {
-        *error = "the PPD has a second \"" + std::string(kBegin) + "\" line";
-        return std::nullopt;
+      if (open || search.block) {
+        search.error = "the PPD has a second \"" + std::string(kBegin) + "\" line";
+        return search;
       }
       open = i;
     } else if (body == kEnd) {
       if (!open) {
-        *error = "the PPD has a \"" + std::string(kEnd) +
-                 "\" line without a begin line before it";
-        return std::nullopt;
+        search.error = "the PPD has a \"" + std::string(kEnd) +
+                       "\" line without a begin line before it";
+        return search;
       }
-      block = Block{*open, i, lines[*open].body == kBeginNoLineEnd};
+      search.block = Block{*open, i, lines[*open].body == kBeginNoLineEnd};
       open.reset();
     }
   }
   if (open) {
-    *error = "the PPD has a \"" + std::string(kBegin) +
-             "\" line without an end line after it";
-    return std::nullopt;
+    search.error = "the PPD has a \"" + std::string(kBegin) +
+                   "\" line without an end line after it";
+    search.block.reset();
   }
-  return block;
+  return search;
 }
 
 // A lone CR ends a line for libcups but not for the line-based edit.
@@ -262,10 +267,9 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
   if (HasLoneCarriageReturn(ppd))
     return Refuse(ppd, "the PPD has lines that end in a CR alone");
   std::vector<Line> lines = SplitLines(ppd);
-  std::string error;
-  std::optional<Block> block = FindBlock(lines, &error);
-  if (!error.empty()) return Refuse(ppd, error);
-  if (block) return Unchanged(ppd, "already enabled by quillaroth");
+  BlockSearch search = FindBlock(lines);
+  if (!search.error.empty()) return Refuse(ppd, search.error);
+  if (search.block) return Unchanged(ppd, "already enabled by quillaroth");
 
   PpdFacts facts = ReadPpd(ppd);
   if (facts.error) return Refuse(ppd, "libcups cannot read the PPD: " + *facts.error);
@@ -350,18 +354,18 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
 
 PpdEdit DisableCommandFilter(std::string_view ppd) {
   std::vector<Line> lines = SplitLines(ppd);
-  std::string error;
-  std::optional<Block> block = FindBlock(lines, &error);
-  if (!error.empty()) return Refuse(ppd, error);
-  if (!block) return Unchanged(ppd, "not enabled by quillaroth");
+  BlockSearch search = FindBlock(lines);
+  if (!search.error.empty()) return Refuse(ppd, search.error);
+  if (!search.block) return Unchanged(ppd, "not enabled by quillaroth");
+  const Block& block = *search.block;
 
   std::vector<Line> kept;
   for (size_t i = 0; i < lines.size(); ++i) {
-    if (i >= block->begin && i <= block->end) continue;
+    if (i >= block.begin && i <= block.end) continue;
     Line line = lines[i];
     if (StartsWith(line.body, kWasPrefix))
       line.body.erase(0, sizeof(kWasPrefix) - 1);
-    if (i + 1 == block->begin && block->begin_had_no_line_end) line.end.clear();
+    if (i + 1 == block.begin && block.begin_had_no_line_end) line.end.clear();
     kept.push_back(line);
   }
   return PpdEdit{true, true, JoinLines(kept),

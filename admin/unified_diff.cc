@@ -5,7 +5,9 @@
 
 namespace {
 
-const int kContext = 3;
+const size_t kContext = 3;
+// Changes this many kept lines apart or fewer share one hunk.
+const size_t kHunkGap = 2 * kContext;
 
 // The lines of a text, each with its "\n" (a last line may have none).
 std::vector<std::string_view> SplitLines(std::string_view text) {
@@ -116,9 +118,9 @@ std::string UnifiedDiff(std::string_view old_name, std::string_view new_name,
       continue;
     }
     // A hunk: from kContext lines before this change to kContext lines
-    // after the last change that follows within 2 * kContext kept lines.
+    // after the last change that follows within kHunkGap kept lines.
     size_t start = i;
-    int back = 0;
+    size_t back = 0;
     while (back < kContext && start > 0 && script[start - 1] == Op::Keep)
       --start, ++back;
     size_t end = i;
@@ -126,14 +128,15 @@ std::string UnifiedDiff(std::string_view old_name, std::string_view new_name,
       while (end < size && script[end] != Op::Keep) ++end;
       size_t keep = end;
       while (keep < size && script[keep] == Op::Keep) ++keep;
-      if (keep < size && keep - end <= 2 * kContext) {
+      if (keep < size && keep - end <= kHunkGap) {
         end = keep;
         continue;
       }
       end = std::min(end + kContext, keep);
       break;
     }
-    int a_start = ai - back, b_start = bi - back;
+    int a_start = ai - static_cast<int>(back);
+    int b_start = bi - static_cast<int>(back);
     int a_count = 0, b_count = 0;
     for (size_t j = start; j < end; ++j) {
       if (script[j] != Op::Insert) ++a_count;
