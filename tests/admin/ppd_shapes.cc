@@ -1,6 +1,7 @@
 #include "tests/admin/ppd_shapes.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "admin/command_filter_lines.h"
 
@@ -33,6 +34,23 @@ std::string Filter2Ppd() {
 }
 
 std::string PostScriptPpd() { return std::string(kHeader) + kTrailer; }
+
+std::string WholePpd(const std::string& filter_lines) {
+  std::istringstream in(kSimulatorPpd);
+  std::string text, line;
+  bool placed = false;
+  while (std::getline(in, line)) {
+    if (line.rfind("*cupsFilter2:", 0) == 0 ||
+        line.rfind("*cupsCommands:", 0) == 0 ||
+        line.rfind("*cupsIPPReason ", 0) == 0) {
+      if (!placed) text += filter_lines;
+      placed = true;
+      continue;
+    }
+    text += line + "\n";
+  }
+  return text;
+}
 
 std::string WithCrlf(const std::string& text) {
   std::string out;

@@ -28,6 +28,11 @@ std::string Filter2Ppd();
 // PostScript printer: no filter line at all.
 std::string PostScriptPpd();
 
+// A whole PPD that passes cupstestppd: the simulated printer's, without
+// its *cupsFilter2, *cupsCommands and *cupsIPPReason lines, with the
+// filter lines given (each with its LF) in their place.
+std::string WholePpd(const std::string& filter_lines);
+
 // Every line with CRLF instead of LF.
 std::string WithCrlf(const std::string& text);
 
