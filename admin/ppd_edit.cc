@@ -261,6 +261,30 @@ std::string JoinWords(const std::vector<std::string>& words) {
   return text;
 }
 
+// Adds the *cupsCommands line to the block's lines: ours, or the PPD's
+// words and ours when it has a *cupsCommands line, which then stays as a
+// "was" comment (CUPS reads the first such line; "none", no commands, gives
+// way to ours).  Says what it did.
+std::string AddCommands(const PpdFacts& facts, std::vector<Line>* lines,
+                        std::vector<std::string>* added) {
+  const CommandFilterLines& ours = TheCommandFilterLines();
+  if (!facts.commands) {
+    added->push_back(ours.commands);
+    return "*cupsCommands added";
+  }
+  std::vector<std::string> merged;
+  for (const std::string& word : ValueWords(*facts.commands))
+    if (strcasecmp(word.c_str(), "none") != 0) merged.push_back(word);
+  for (const std::string& word : ours.command_words)
+    if (std::find(merged.begin(), merged.end(), word) == merged.end())
+      merged.push_back(word);
+  if (merged == ValueWords(*facts.commands)) return "*cupsCommands kept";
+  for (Line& line : *lines)
+    if (IsCommandsLine(line.body)) line.body = kWasPrefix + line.body;
+  added->push_back("*cupsCommands: \"" + JoinWords(merged) + "\"");
+  return "*cupsCommands merged";
+}
+
 }  // namespace
 
 PpdEdit EnableCommandFilter(std::string_view ppd) {
@@ -295,30 +319,7 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
     form = "a *cupsFilter line";
   }
 
-  std::string commands = "*cupsCommands added";
-  if (!facts.commands) {
-    added.push_back(ours.commands);
-  } else {
-    // CUPS reads the first *cupsCommands line; its words come first, "none"
-    // (no commands) gives way to ours.
-    std::vector<std::string> words;
-    for (const std::string& word : ValueWords(*facts.commands))
-      if (strcasecmp(word.c_str(), "none") != 0) words.push_back(word);
-    std::vector<std::string> merged = words;
-    for (const std::string& word : ours.command_words) {
-      bool present = false;
-      for (const std::string& have : merged) present = present || have == word;
-      if (!present) merged.push_back(word);
-    }
-    if (merged == ValueWords(*facts.commands)) {
-      commands = "*cupsCommands kept";
-    } else {
-      for (Line& line : lines)
-        if (IsCommandsLine(line.body)) line.body = kWasPrefix + line.body;
-      added.push_back("*cupsCommands: \"" + JoinWords(merged) + "\"");
-      commands = "*cupsCommands merged";
-    }
-  }
+  std::string commands = AddCommands(facts, &lines, &added);
 
   size_t reasons = 0;
   for (const std::string& reason : ours.reasons) {

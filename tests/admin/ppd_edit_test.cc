@@ -145,7 +145,11 @@ TEST_F(PpdEditTest, CommandsWithBothOfOursStayAsTheyAre) {
   std::string ppd = std::string(kHeader) + kVendorFilter +
                     "*cupsCommands: \"Clean ReportLevels ReportStatus\"\n" +
                     kTrailer;
-  EXPECT_EQ(ppd + Block({kFilterLine, ReasonLines()}), Enable(ppd));
+  PpdEdit edit = EnableCommandFilter(ppd);
+  EXPECT_EQ(ppd + Block({kFilterLine, ReasonLines()}), edit.text);
+  EXPECT_EQ("enabled: a *cupsFilter line, *cupsCommands kept, "
+            "19 reason texts added",
+            edit.message);
   ExpectLaws(ppd);
 }
 
