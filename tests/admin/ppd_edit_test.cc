@@ -244,7 +244,7 @@ TEST_F(PpdEditTest, BrokenPpdIsRefused) {
 // A quote left open swallows the block: libcups reads the result, but it
 // would not run the filter.
 TEST_F(PpdEditTest, OpenQuoteAtTheEndIsRefused) {
-  ExpectRefused(std::string(kHeader) + kVendorFilter + "*NickName: \"abc\n",
+  ExpectRefused(std::string(kHeader) + kVendorFilter + "*VendorNote: \"abc\n",
                 "the edited PPD would not run commandtoquillaroth");
 }
 
