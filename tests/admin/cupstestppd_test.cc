@@ -4,7 +4,8 @@
 //
 // cupstestppd checks that each filter named exists below its -R folder: a
 // private one here, holding rastertopwg and a stand-in for
-// commandtoquillaroth.
+// commandtoquillaroth.  It wants them owned by root: a plain user runs it
+// under fakeroot, with the folder given to root there.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,6 +29,12 @@ class CupstestppdTest : public testing::Test {
     cupstestppd_ = FindProgram("cupstestppd");
     if (cupstestppd_.empty())
       GTEST_SKIP() << "cupstestppd is not installed (Debian package cups-client)";
+    if (geteuid() != 0) {
+      fakeroot_ = FindProgram("fakeroot");
+      if (fakeroot_.empty())
+        GTEST_SKIP() << "cupstestppd accepts only filters owned by root: run "
+                        "as root or install fakeroot";
+    }
     std::string vendor = std::string(kFilterDir) + "/rastertopwg";
     if (access(vendor.c_str(), X_OK) != 0) GTEST_SKIP() << "no " << vendor;
     dir_ = MakeTempDir("quillaroth-cupstestppd-");
@@ -49,8 +56,13 @@ class CupstestppdTest : public testing::Test {
   std::string Check(const std::string& ppd) {
     std::string path = dir_ + "/queue.ppd";
     EXPECT_TRUE(WriteFile(path, ppd));
+    std::string root = dir_ + "/root";
     ProgramResult result =
-        RunProgram({cupstestppd_, "-R", dir_ + "/root", path});
+        fakeroot_.empty()
+            ? RunProgram({cupstestppd_, "-R", root, path})
+            : RunProgram({fakeroot_, "--", "sh", "-c",
+                          "chown -R 0:0 \"$1\" && exec \"$2\" -R \"$1\" \"$3\"",
+                          "sh", root, cupstestppd_, path});
     return "status " + std::to_string(result.status) + "\n" + result.out +
            result.err;
   }
@@ -67,6 +79,7 @@ class CupstestppdTest : public testing::Test {
   }
 
   std::string cupstestppd_;
+  std::string fakeroot_;  // for a plain user
   std::string dir_;
 };
 
