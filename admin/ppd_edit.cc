@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 // Older libcups headers mark the PPD API deprecated through _PPD_DEPRECATED
@@ -29,6 +30,8 @@ const char kEnd[] = "*% quillaroth enable: end";
 const char kWasPrefix[] = "*% quillaroth enable: was ";
 const char kProgram[] = "commandtoquillaroth";
 const char kCommandType[] = "application/vnd.cups-command";
+// The one line that libcups needs before PPD lines.
+const char kMinimalHeader[] = "*PPD-Adobe: \"4.3\"\n";
 
 // A PPD without *cupsFilter or *cupsFilter2 lines is a PostScript printer's:
 // for it, CUPS' PPD cache (_ppdCacheCreateWithPPD) lists
@@ -247,12 +250,12 @@ bool HasLoneCarriageReturn(std::string_view text) {
   return false;
 }
 
-PpdEdit Refuse(std::string_view ppd, const std::string& why) {
-  return PpdEdit{false, false, std::string(ppd), why};
+PpdEdit Refuse(const std::string& ppd, const std::string& why) {
+  return PpdEdit{PpdEdit::Outcome::kRefused, ppd, why};
 }
 
-PpdEdit Unchanged(std::string_view ppd, const std::string& why) {
-  return PpdEdit{true, false, std::string(ppd), why};
+PpdEdit Unchanged(const std::string& ppd, const std::string& why) {
+  return PpdEdit{PpdEdit::Outcome::kUnchanged, ppd, why};
 }
 
 std::string JoinWords(const std::vector<std::string>& words) {
@@ -287,7 +290,7 @@ std::string AddCommands(const PpdFacts& facts, std::vector<Line>* lines,
 
 }  // namespace
 
-PpdEdit EnableCommandFilter(std::string_view ppd) {
+PpdEdit EnableCommandFilter(const std::string& ppd) {
   if (HasLoneCarriageReturn(ppd))
     return Refuse(ppd, "the PPD has lines that end in a CR alone");
   std::vector<Line> lines = SplitLines(ppd);
@@ -335,7 +338,7 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
   for (const std::string& line : added) lines.push_back({line, line_end});
   lines.push_back({kEnd, line_end});
 
-  PpdEdit edit{true, true, JoinLines(lines),
+  PpdEdit edit{PpdEdit::Outcome::kChanged, JoinLines(lines),
                "enabled: " + form + ", " + commands + ", " +
                    std::to_string(reasons) + " reason texts added"};
   // The edited PPD must still read, and run the filter.
@@ -353,7 +356,7 @@ PpdEdit EnableCommandFilter(std::string_view ppd) {
   return edit;
 }
 
-PpdEdit DisableCommandFilter(std::string_view ppd) {
+PpdEdit DisableCommandFilter(const std::string& ppd) {
   std::vector<Line> lines = SplitLines(ppd);
   BlockSearch search = FindBlock(lines);
   if (!search.error.empty()) return Refuse(ppd, search.error);
@@ -369,15 +372,18 @@ PpdEdit DisableCommandFilter(std::string_view ppd) {
     if (i + 1 == block.begin && block.begin_had_no_line_end) line.end.clear();
     kept.push_back(line);
   }
-  return PpdEdit{true, true, JoinLines(kept),
+  return PpdEdit{PpdEdit::Outcome::kChanged, JoinLines(kept),
                  "disabled: the quillaroth block removed"};
 }
 
-bool RunsCommandFilter(std::string_view ppd) {
+bool RunsCommandFilter(const std::string& ppd) {
   PpdFacts facts = ReadPpd(ppd);
   return !facts.error && IsOurProgram(CommandProgram(facts));
 }
 
-std::map<std::string, std::string> ReasonTexts(std::string_view ppd) {
-  return ReadPpd(ppd).reasons;
+std::map<std::string, std::string> ReasonTexts(const std::string& ppd) {
+  PpdFacts facts = ReadPpd(ppd);
+  // PPD lines without a PPD's header, such as the fragment, read with one.
+  if (facts.error) facts = ReadPpd(std::string(kMinimalHeader) + ppd);
+  return facts.reasons;
 }

@@ -27,38 +27,41 @@
 
 #include <map>
 #include <string>
-#include <string_view>
+
+// The --dry-run view of an edit.
+#include "admin/unified_diff.h"
 
 // The outcome of an edit.
 struct PpdEdit {
-  // False when the PPD was refused; message then says why.
-  bool ok = false;
-  // The text differs from the input.
-  bool changed = false;
+  enum class Outcome { kChanged, kUnchanged, kRefused };
+  Outcome outcome = Outcome::kRefused;
   // The PPD after the edit (the input itself when unchanged or refused).
   std::string text;
-  // One line for the admin: what was done, or why nothing was.
-  std::string message;
+  // One line for the admin: what was done, or why nothing was ("already
+  // enabled by quillaroth", "libcups cannot read the PPD: line 3: ...").
+  std::string reason;
 };
 
 // Adds the block to a PPD (see above).  Refused: a PPD that libcups cannot
 // read ("line N: <libcups' error>"), a PPD that sends command jobs to
 // another program, a damaged block, line ends of a lone CR.
-PpdEdit EnableCommandFilter(std::string_view ppd);
+PpdEdit EnableCommandFilter(const std::string& ppd);
 
 // Removes the block and restores a merged *cupsCommands line; a PPD
 // without the block comes back unchanged ("not enabled by quillaroth").
-PpdEdit DisableCommandFilter(std::string_view ppd);
+PpdEdit DisableCommandFilter(const std::string& ppd);
 
 // True when the queue's command jobs go to commandtoquillaroth, as CUPS
 // picks their filter: among the *cupsFilter2 lines if the PPD has any, the
 // *cupsFilter lines otherwise, the cheapest line from
 // application/vnd.cups-command runs commandtoquillaroth (a path ending in
 // /commandtoquillaroth counts).  False for a PPD that libcups cannot read.
-bool RunsCommandFilter(std::string_view ppd);
+bool RunsCommandFilter(const std::string& ppd);
 
-// The texts of the PPD's *cupsIPPReason KEYWORD/TEXT lines by keyword, as
-// libcups reads them; empty for a PPD that libcups cannot read.
-std::map<std::string, std::string> ReasonTexts(std::string_view ppd);
+// The texts of the *cupsIPPReason KEYWORD/TEXT lines by keyword, as libcups
+// reads them, from a whole PPD or from PPD lines without a PPD's header
+// (ppd/quillaroth-command-filter.txt); empty for a text that libcups
+// cannot read.
+std::map<std::string, std::string> ReasonTexts(const std::string& ppd);
 
 #endif  // QUILLAROTH_ADMIN_PPD_EDIT_H_

@@ -1,6 +1,7 @@
 #include "admin/unified_diff.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -99,15 +100,14 @@ void AppendLine(std::string* out, char mark, std::string_view line) {
 
 }  // namespace
 
-std::string UnifiedDiff(std::string_view old_name, std::string_view new_name,
-                        std::string_view old_text, std::string_view new_text) {
+std::string UnifiedDiff(const std::string& old_name, const std::string& new_name,
+                        const std::string& old_text, const std::string& new_text) {
   if (old_text == new_text) return "";
   std::vector<std::string_view> a = SplitLines(old_text);
   std::vector<std::string_view> b = SplitLines(new_text);
   std::vector<Op> script = EditScript(a, b);
 
-  std::string out = "--- " + std::string(old_name) + "\n+++ " +
-                    std::string(new_name) + "\n";
+  std::string out = "--- " + old_name + "\n+++ " + new_name + "\n";
   const size_t size = script.size();
   size_t i = 0;
   // Line numbers in a and b at script position i.

@@ -5,12 +5,11 @@
 #define QUILLAROTH_ADMIN_UNIFIED_DIFF_H_
 
 #include <string>
-#include <string_view>
 
 // "--- OLD_NAME\n+++ NEW_NAME\n" and "@@ -l,n +l,n @@" hunks with three
 // lines of context, "\ No newline at end of file" after a last line that
 // has none; "" when the texts are the same.
-std::string UnifiedDiff(std::string_view old_name, std::string_view new_name,
-                        std::string_view old_text, std::string_view new_text);
+std::string UnifiedDiff(const std::string& old_name, const std::string& new_name,
+                        const std::string& old_text, const std::string& new_text);
 
 #endif  // QUILLAROTH_ADMIN_UNIFIED_DIFF_H_

@@ -74,7 +74,7 @@ class CupstestppdTest : public testing::Test {
     std::string before = Check(ppd);
     EXPECT_EQ("status 0\n" + dir_ + "/queue.ppd: PASS\n" + warnings, before);
     PpdEdit edit = EnableCommandFilter(ppd);
-    ASSERT_TRUE(edit.changed) << edit.message;
+    ASSERT_EQ(PpdEdit::Outcome::kChanged, edit.outcome) << edit.reason;
     EXPECT_EQ(before, Check(edit.text));
   }
 

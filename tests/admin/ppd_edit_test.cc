@@ -26,7 +26,7 @@ class PpdEditTest : public testing::Test {
   // Enables, expecting success; the new text.
   std::string Enable(const std::string& ppd) {
     PpdEdit edit = EnableCommandFilter(ppd);
-    EXPECT_TRUE(edit.ok) << edit.message;
+    EXPECT_NE(PpdEdit::Outcome::kRefused, edit.outcome) << edit.reason;
     return edit.text;
   }
 
@@ -35,34 +35,33 @@ class PpdEditTest : public testing::Test {
   void ExpectLaws(const std::string& ppd) {
     std::string enabled = Enable(ppd);
     PpdEdit again = EnableCommandFilter(enabled);
-    EXPECT_TRUE(again.ok);
-    EXPECT_FALSE(again.changed);
+    EXPECT_EQ(PpdEdit::Outcome::kUnchanged, again.outcome);
     EXPECT_EQ(enabled, again.text);
     PpdEdit disabled = DisableCommandFilter(enabled);
-    EXPECT_TRUE(disabled.ok) << disabled.message;
+    EXPECT_EQ(enabled != ppd ? PpdEdit::Outcome::kChanged
+                              : PpdEdit::Outcome::kUnchanged,
+              disabled.outcome)
+        << disabled.reason;
     EXPECT_EQ(ppd, disabled.text);
-    EXPECT_EQ(enabled != ppd, disabled.changed);
     EXPECT_TRUE(RunsCommandFilter(enabled));
   }
 
-  // Expects a refusal with this message and the PPD handed back.
-  void ExpectRefused(const std::string& ppd, const std::string& message) {
+  // Expects a refusal for this reason and the PPD handed back.
+  void ExpectRefused(const std::string& ppd, const std::string& reason) {
     PpdEdit edit = EnableCommandFilter(ppd);
-    EXPECT_FALSE(edit.ok);
-    EXPECT_FALSE(edit.changed);
+    EXPECT_EQ(PpdEdit::Outcome::kRefused, edit.outcome);
     EXPECT_EQ(ppd, edit.text);
-    EXPECT_EQ(message, edit.message);
+    EXPECT_EQ(reason, edit.reason);
   }
 };
 
 // The whole output, written out: the readable example of this file.
 TEST_F(PpdEditTest, FilterOnlyGoldenText) {
   PpdEdit edit = EnableCommandFilter(FilterOnlyPpd());
-  EXPECT_TRUE(edit.ok);
-  EXPECT_TRUE(edit.changed);
+  EXPECT_EQ(PpdEdit::Outcome::kChanged, edit.outcome);
   EXPECT_EQ("enabled: a *cupsFilter line, *cupsCommands added, "
             "19 reason texts added",
-            edit.message);
+            edit.reason);
   EXPECT_EQ(
       "*PPD-Adobe: \"4.3\"\n"
       "*FormatVersion: \"4.3\"\n"
@@ -149,7 +148,7 @@ TEST_F(PpdEditTest, CommandsWithBothOfOursStayAsTheyAre) {
   EXPECT_EQ(ppd + Block({kFilterLine, ReasonLines()}), edit.text);
   EXPECT_EQ("enabled: a *cupsFilter line, *cupsCommands kept, "
             "19 reason texts added",
-            edit.message);
+            edit.reason);
   ExpectLaws(ppd);
 }
 
@@ -167,10 +166,9 @@ TEST_F(PpdEditTest, CommandsNoneGivesWayToOurs) {
 TEST_F(PpdEditTest, EnabledTwiceChangesNothing) {
   std::string once = Enable(FilterOnlyPpd());
   PpdEdit twice = EnableCommandFilter(once);
-  EXPECT_TRUE(twice.ok);
-  EXPECT_FALSE(twice.changed);
+  EXPECT_EQ(PpdEdit::Outcome::kUnchanged, twice.outcome);
   EXPECT_EQ(once, twice.text);
-  EXPECT_EQ("already enabled by quillaroth", twice.message);
+  EXPECT_EQ("already enabled by quillaroth", twice.reason);
 }
 
 TEST_F(PpdEditTest, CrlfPpdGetsCrlfLines) {
@@ -201,23 +199,21 @@ TEST_F(PpdEditTest, ReasonThePpdDescribesIsLeftOut) {
             edit.text);
   EXPECT_EQ("enabled: a *cupsFilter line, *cupsCommands added, "
             "18 reason texts added",
-            edit.message);
+            edit.reason);
   EXPECT_EQ("Ribbon empty", ReasonTexts(edit.text).at("com.quillaroth-error0005"));
   ExpectLaws(ppd);
 }
 
 TEST_F(PpdEditTest, SimulatorPpdIsLeftAlone) {
   PpdEdit edit = EnableCommandFilter(kSimulatorPpd);
-  EXPECT_TRUE(edit.ok);
-  EXPECT_FALSE(edit.changed);
+  EXPECT_EQ(PpdEdit::Outcome::kUnchanged, edit.outcome);
   EXPECT_EQ(kSimulatorPpd, edit.text);
   EXPECT_EQ("the PPD already runs commandtoquillaroth for command jobs",
-            edit.message);
+            edit.reason);
   PpdEdit disabled = DisableCommandFilter(kSimulatorPpd);
-  EXPECT_TRUE(disabled.ok);
-  EXPECT_FALSE(disabled.changed);
+  EXPECT_EQ(PpdEdit::Outcome::kUnchanged, disabled.outcome);
   EXPECT_EQ(kSimulatorPpd, disabled.text);
-  EXPECT_EQ("not enabled by quillaroth", disabled.message);
+  EXPECT_EQ("not enabled by quillaroth", disabled.reason);
 }
 
 // A PostScript printer keeps the PostScript path that CUPS gave it while
@@ -230,7 +226,7 @@ TEST_F(PpdEditTest, PostScriptPpdKeepsItsPostScriptPath) {
             edit.text);
   EXPECT_EQ("enabled: a *cupsFilter line beside the PostScript path, "
             "*cupsCommands added, 19 reason texts added",
-            edit.message);
+            edit.reason);
   ExpectLaws(PostScriptPpd());
 }
 
@@ -263,7 +259,7 @@ TEST_F(PpdEditTest, DamagedBlockIsRefused) {
                 "the PPD has a \"*% quillaroth enable: begin\" line without an "
                 "end line after it");
   PpdEdit disabled = DisableCommandFilter(no_end);
-  EXPECT_FALSE(disabled.ok);
+  EXPECT_EQ(PpdEdit::Outcome::kRefused, disabled.outcome);
   EXPECT_EQ(no_end, disabled.text);
 }
 
@@ -275,10 +271,9 @@ TEST_F(PpdEditTest, LoneCarriageReturnsAreRefused) {
 
 TEST_F(PpdEditTest, DisableWithoutTheBlockChangesNothing) {
   PpdEdit edit = DisableCommandFilter(FilterOnlyPpd());
-  EXPECT_TRUE(edit.ok);
-  EXPECT_FALSE(edit.changed);
+  EXPECT_EQ(PpdEdit::Outcome::kUnchanged, edit.outcome);
   EXPECT_EQ(FilterOnlyPpd(), edit.text);
-  EXPECT_EQ("not enabled by quillaroth", edit.message);
+  EXPECT_EQ("not enabled by quillaroth", edit.reason);
 }
 
 TEST_F(PpdEditTest, DisableKeepsLinesAddedAfterTheBlock) {
@@ -329,6 +324,14 @@ TEST(ReasonTextsTest, TextsByKeyword) {
   EXPECT_TRUE(ReasonTexts("Hello\n").empty());
   EXPECT_EQ("Ink ribbon used up",
             ReasonTexts(kSimulatorPpd).at("com.quillaroth-error0005"));
+}
+
+// PPD lines without a PPD's header read too: the fragment's texts are the
+// simulated printer's.
+TEST(ReasonTextsTest, FragmentWithoutHeader) {
+  std::map<std::string, std::string> texts = ReasonTexts(kCommandFilterFragment);
+  EXPECT_EQ(19u, texts.size());
+  EXPECT_EQ(ReasonTexts(kSimulatorPpd), texts);
 }
 
 }  // namespace
