@@ -1,7 +1,8 @@
 # Installation into CUPS, in two components:
 #
-#   filter  the command filter and the PPD lines for a printer's queue
-#           (the Debian package printer-driver-quillaroth)
+#   filter  the command filter, the PPD lines for a printer's queue and the
+#           admin's command quillaroth with its manual page (the Debian
+#           package printer-driver-quillaroth)
 #   sim     the simulated printer: the test harness quillaroth-sim, the CUPS
 #           backend quillarothsim and its PPD (the Debian package
 #           quillaroth-sim)
@@ -84,6 +85,16 @@ install(TARGETS commandtoquillaroth
   PERMISSIONS ${_quillaroth_program_mode}
   COMPONENT filter)
 
+# The admin's command, quillaroth, and its manual page.
+install(TARGETS quillaroth-admin
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  PERMISSIONS ${_quillaroth_program_mode}
+  COMPONENT filter)
+install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/admin/quillaroth.1
+  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+  PERMISSIONS ${_quillaroth_data_mode}
+  COMPONENT filter)
+
 # The lines to paste into the PPD of a real printer's queue.
 install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-command-filter.txt
   DESTINATION ${QUILLAROTH_DOC_DEST}
@@ -135,7 +146,8 @@ if(BUILD_TESTING)
       ${CMAKE_BINARY_DIR} ${CMAKE_INSTALL_PREFIX}
       ${QUILLAROTH_SERVERBIN_DEST} ${QUILLAROTH_PPD_DEST}
       ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR}
-      "$<$<TARGET_EXISTS:quillaroth_usb_printer>:${QUILLAROTH_SIM_LIBDIR}>")
+      "$<$<TARGET_EXISTS:quillaroth_usb_printer>:${QUILLAROTH_SIM_LIBDIR}>"
+      ${CMAKE_INSTALL_MANDIR})
   set_tests_properties(install.staged_trees
     PROPERTIES LABELS install TIMEOUT 300)
 endif()

@@ -92,8 +92,23 @@ grep -v '^running with root privileges is not recommended!$' <<<"$lintian_out" |
 check "lintian: no error, no warning" 0 "$lintian_status"
 lintian_seconds=$(since "$start")
 
-check "printer-driver-quillaroth: files" "drwxr-xr-x root/root ./
+# debhelper puts systemd units in /lib/systemd/system or, on newer
+# releases, /usr/lib/systemd/system: the check takes the one it used.
+unitdir=$(contents printer-driver-quillaroth |
+          sed -n 's|.* \./\(.*\)/quillaroth-refresh\.service$|\1|p')
+case "$unitdir" in
+  lib/systemd/system|usr/lib/systemd/system) ;;
+  *) echo "FAIL: quillaroth-refresh.service in '$unitdir'"; failed=1 ;;
+esac
+units="drwxr-xr-x root/root ./${unitdir%%/*}/
+drwxr-xr-x root/root ./${unitdir%/*}/
+drwxr-xr-x root/root ./$unitdir/
+-rw-r--r-- root/root ./$unitdir/quillaroth-refresh.service
+-rw-r--r-- root/root ./$unitdir/quillaroth-refresh.timer"
+driver_files="drwxr-xr-x root/root ./
 drwxr-xr-x root/root ./usr/
+drwxr-xr-x root/root ./usr/bin/
+-rwxr-xr-x root/root ./usr/bin/quillaroth
 drwxr-xr-x root/root ./usr/lib/
 drwxr-xr-x root/root ./usr/lib/cups/
 drwxr-xr-x root/root ./usr/lib/cups/filter/
@@ -106,9 +121,15 @@ drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/copyright
 drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/examples/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/examples/commands.txt
--rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt" \
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/examples/quillaroth.rules.yml
+-rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt
+drwxr-xr-x root/root ./usr/share/man/
+drwxr-xr-x root/root ./usr/share/man/man1/
+-rw-r--r-- root/root ./usr/share/man/man1/quillaroth.1.gz"
+check "printer-driver-quillaroth: files" \
+  "$(printf '%s\n' "$driver_files" "$units" | LC_ALL=C sort -k3,3 -u)" \
   "$(contents printer-driver-quillaroth)"
-check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1
+check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1, libstdc++6
 Recommends: cups-daemon" "$(relations printer-driver-quillaroth)"
 
 check "quillaroth-sim: files" "drwxr-xr-x root/root ./

@@ -18,9 +18,6 @@ bool parse_device_uri(const std::string& uri, Scenario* scenario,
   }
   size_t question = uri.find('?', prefix.size());
   if (question == std::string::npos) return true;
-  OptionTarget target;
-  target.scenario = scenario;
-  target.shape = &scenario->every;
   return apply_keys(uri.substr(question + 1), kUriKeySeparator, kScenarioKey,
-                    target, why);
+                    scenario_target(scenario), why);
 }

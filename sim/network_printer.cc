@@ -22,6 +22,7 @@
 #include "sim/clock.h"
 #include "sim/option_table.h"
 #include "sim/printer_core.h"
+#include "sim/reply_transport.h"
 
 namespace {
 
@@ -65,6 +66,30 @@ struct Connection {
   bool closed = false;
 };
 
+// A reply on a connection: its pieces queued to go with a pause between
+// them (SendDue), then the ending.
+class ConnectionReply : public ReplyTransport {
+ public:
+  ConnectionReply(Connection& connection, SimLog& log)
+      : connection_(connection), log_(log) {}
+
+  void SendPiece(const uint8_t* data, size_t size) override {
+    connection_.pieces.emplace_back(data, data + size);
+  }
+  void ResetAfterPieces() override { connection_.reset_after_pieces = true; }
+  void CloseInstead() override {
+    log_.Line("connection %ld closed by the printer", connection_.number);
+    connection_.close_after_pieces = true;
+  }
+  std::string ResetWords() const override {
+    return "connection " + std::to_string(connection_.number) + " reset";
+  }
+
+ private:
+  Connection& connection_;
+  SimLog& log_;
+};
+
 class NetworkPrinter {
  public:
   // Takes the settings and the log.
@@ -86,8 +111,6 @@ class NetworkPrinter {
   void Read(Connection& connection);
   // Logs the printer's reactions and carries out its replies.
   void Handle(Connection& connection, const std::vector<PrinterEvent>& events);
-  // Queues a reply's pieces, or closes, as the plan says.
-  void Reply(Connection& connection, const ReplyPlan& plan);
   // Sends the pieces that are due, then the ending that follows them.
   void SendDue(Connection& connection);
   // Closes the connection, resetting it when reset is true.
@@ -230,8 +253,7 @@ void NetworkPrinter::Accept() {
             address_text(peer, false).c_str());
   connections_.emplace_back(number, fd,
                             scenario_for_connection(settings_, number));
-  if (connections_.back().printer.hung())
-    log_.Line("printer hangs: it reads and answers nothing");
+  Handle(connections_.back(), connections_.back().printer.Start());
   if (settings_.accept_limit > 0 && accepted_ >= settings_.accept_limit)
     Refuse();
 }
@@ -276,34 +298,11 @@ void NetworkPrinter::Handle(Connection& connection,
                             const std::vector<PrinterEvent>& events) {
   for (const PrinterEvent& event : events) {
     log_.Line("%s", event.log_line.c_str());
-    if (event.is_query && !connection.closed) Reply(connection, event.reply);
-  }
-}
-
-void NetworkPrinter::Reply(Connection& connection, const ReplyPlan& plan) {
-  log_.Line("%s", describe_reply(plan).c_str());
-  if (plan.kind == ReplyPlan::Kind::kNone) return;
-  if (plan.kind == ReplyPlan::Kind::kClose) {
-    log_.Line("connection %ld closed by the printer", connection.number);
-    connection.close_after_pieces = true;
+    if (!event.is_query || connection.closed) continue;
+    ConnectionReply reply(connection, log_);
+    carry_out_reply(event.reply, log_, reply);
     SendDue(connection);
-    return;
   }
-  if (plan.end == ReplyPlan::End::kReset)
-    log_.Line("connection %ld reset after %zu of %zu bytes", connection.number,
-              plan.SentSize(), plan.bytes.size());
-  else if (plan.end == ReplyPlan::End::kStall)
-    log_.Line("printer hangs after %zu of %zu bytes", plan.SentSize(),
-              plan.bytes.size());
-  size_t offset = 0;
-  for (size_t piece : plan.pieces) {
-    connection.pieces.emplace_back(
-        plan.bytes.begin() + static_cast<long>(offset),
-        plan.bytes.begin() + static_cast<long>(offset + piece));
-    offset += piece;
-  }
-  if (plan.end == ReplyPlan::End::kReset) connection.reset_after_pieces = true;
-  SendDue(connection);
 }
 
 void NetworkPrinter::SendDue(Connection& connection) {

@@ -30,8 +30,19 @@ const char kDescription[] =
     "(XX), counts decimal (N), lists joined with '+'; a switch is on when "
     "named bare or =1, off with =0.";
 
+// The lead-ins of the manual page's lists of keys, in roff.
+const char kManReplyKeys[] =
+    "Keys of \\fB\\-\\-reply\\fR "
+    "\\fIN\\fB:\\fIKEY\\fB=\\fIVALUE\\fB,\\fR...:\n";
+const char kManScenarioKeys[] =
+    "Keys of \\fB\\-\\-connection\\fR "
+    "\\fIN\\fB:\\fIKEY\\fB=\\fIVALUE\\fB,\\fR... and of a device URI "
+    "\\fBquillarothsim://\\fINAME\\fB?\\fIKEY\\fB=\\fIVALUE\\fB&\\fR...:\n";
+
 // True for an option that takes no value (a switch).
-bool is_switch(const OptionSpec& option) { return option.value[0] == '\0'; }
+bool is_switch(const OptionSpec& option) {
+  return option.kind == ValueKind::kSwitch;
+}
 
 // Text without its backticks.
 std::string plain(const std::string& text) {
@@ -83,7 +94,8 @@ std::string wrap(const std::string& first, const std::string& text,
 std::string command_line_form(const char* name, const OptionSpec& option) {
   std::string form = std::string("--") + name;
   if (is_switch(option)) return form;
-  if (option.value[0] == '[') return form + "[=" + (option.value + 1);
+  if (option.kind == ValueKind::kOptional)
+    return form + "[=" + option.value + "]";
   return form + " " + option.value;
 }
 
@@ -91,9 +103,7 @@ std::string command_line_form(const char* name, const OptionSpec& option) {
 std::string key_form(const OptionSpec& option) {
   std::string form = option.name;
   if (is_switch(option)) return form;
-  std::string value = option.value;
-  if (value[0] == '[') value = value.substr(1, value.size() - 2);
-  return form + "=" + value;
+  return form + "=" + option.value;
 }
 
 // The Option column: each command-line spelling, or a dash.
@@ -105,16 +115,68 @@ std::string option_cell(const OptionSpec& option) {
   return cell(text);
 }
 
-// The Key column: the key's spelling and where it is taken, or a dash.
-std::string key_cell(const OptionSpec& option) {
-  if ((option.scope & (kPerQuery | kScenarioKey)) == 0) return "-";
+// True when the option is a key too (of --reply, --connection, a URI).
+bool has_key(const OptionSpec& option) {
+  return (option.scope & (kPerQuery | kScenarioKey)) != 0;
+}
+
+// "`size=N` (also `short`)": the key's spelling and where it is taken.
+std::string key_text(const OptionSpec& option) {
   std::string notes;
-  if (option.alias != nullptr) notes += std::string("also `") + option.alias + "`";
+  if (option.alias != nullptr)
+    notes += std::string("also `") + option.alias + "`";
   if ((option.scope & kPerQuery) == 0)
     notes += std::string(notes.empty() ? "" : "; ") + "not in `--reply`";
   std::string text = "`" + key_form(option) + "`";
   if (!notes.empty()) text += " (" + notes + ")";
-  return cell(text);
+  return text;
+}
+
+// The Key column: the key's spelling and where it is taken, or a dash.
+std::string key_cell(const OptionSpec& option) {
+  return has_key(option) ? cell(key_text(option)) : "-";
+}
+
+// Markdown as roff text: literal text (in backticks) becomes bold, with
+// its hyphens as minus signs, as options are typed; and the characters
+// that roff reads as its own are escaped.
+std::string roff(const std::string& markdown, bool literal = false) {
+  std::string out;
+  bool bold = literal;
+  for (char c : markdown) {
+    if (c == '`') {
+      out += bold ? "\\fR" : "\\fB";
+      bold = !bold;
+    } else if (c == '-' && bold) {
+      out += "\\-";
+    } else if (c == '\\') {
+      out += "\\e";
+    } else {
+      out += c;
+    }
+  }
+  if (!out.empty() && (out[0] == '.' || out[0] == '\'')) out = "\\&" + out;
+  return out;
+}
+
+// "\fB\-\-size\fR \fIN\fR": one command-line spelling in roff.
+std::string man_form(const char* name, const OptionSpec& option) {
+  std::string form = "\\fB" + roff(std::string("--") + name, true) + "\\fR";
+  if (option.kind == ValueKind::kRequired)
+    return form + " \\fI" + roff(option.value, true) + "\\fR";
+  if (option.kind == ValueKind::kOptional)
+    return form + "[=\\fI" + roff(option.value, true) + "\\fR]";
+  return form;
+}
+
+// The names of the keys that the scope takes, in bold, comma-separated.
+std::string man_key_names(unsigned scope) {
+  std::string names;
+  for (const OptionSpec& option : option_table())
+    if ((option.scope & scope) != 0)
+      names += (names.empty() ? "\\fB" : ", \\fB") +
+               roff(option.name, true) + "\\fR";
+  return names;
 }
 
 // The names of the keys that the scope takes, comma-separated.
@@ -174,6 +236,43 @@ std::string usage_text() {
           "quillarothsim://NAME?KEY=VALUE&...:\n" +
           wrap("  ", key_names(kScenarioKey) + ".", 2);
   return text;
+}
+
+std::string uri_key_table() {
+  std::string text = "| Key | Value | Meaning |\n|---|---|---|\n";
+  for (const OptionSpec& option : option_table()) {
+    if ((option.scope & kScenarioKey) == 0) continue;
+    std::string key = "`" + std::string(option.name) + "`";
+    if (option.alias != nullptr)
+      key += std::string(" (also `") + option.alias + "`)";
+    text += "| " + cell(key) + " | " + cell(option_takes(option)) + " | " +
+            cell(option_meaning(option)) + " |\n";
+  }
+  return text;
+}
+
+std::string man_sections() {
+  std::string text;
+  for (const GroupHeading& group : kGroups) {
+    text += std::string(".SS ") + group.heading + "\n";
+    for (const OptionSpec& option : option_table()) {
+      if (option.group != group.group) continue;
+      std::string tag = man_form(option.name, option);
+      if (option.alias != nullptr)
+        tag += ", " + man_form(option.alias, option);
+      std::string meaning = option_meaning(option);
+      if (has_key(option)) meaning += " Key " + key_text(option) + ".";
+      text += ".TP\n" + tag + "\n" + roff(meaning) + "\n";
+    }
+  }
+  return text + ".SS Keys\n" + kManReplyKeys + man_key_names(kPerQuery) +
+         ".\n.PP\n" + kManScenarioKeys + man_key_names(kScenarioKey) + ".\n";
+}
+
+std::string printed_table(const std::string& format) {
+  if (format == "uri-keys") return uri_key_table();
+  if (format == "man") return man_sections();
+  return markdown_tables();
 }
 
 std::string markdown_tables() {

@@ -1,5 +1,6 @@
-// The option table as text: quillaroth-sim --help, and the README's tables
-// (quillaroth-sim --print-table markdown), both made from
+// The option table as text: quillaroth-sim --help, the README's tables
+// (quillaroth-sim --print-table markdown and --print-table uri-keys) and
+// the manual page's option sections (--print-table man), all made from
 // sim/option_table.h alone.
 
 #ifndef QUILLAROTH_SIM_OPTION_HELP_H_
@@ -20,5 +21,17 @@ std::string usage_text();
 // One Markdown table per group of options, each under a "#### Heading"
 // line, with the columns Option, Key and Meaning.
 std::string markdown_tables();
+
+// The Markdown table of the keys that a device URI takes, with the columns
+// Key, Value and Meaning.
+std::string uri_key_table();
+
+// The manual page's option sections, in roff: a ".SS Heading" for each
+// group of options, an entry (.TP) for each option, and ".SS Keys", the
+// keys of --reply and of --connection and a device URI.
+std::string man_sections();
+
+// What --print-table prints in the format (one of kTableFormats).
+std::string printed_table(const std::string& format);
 
 #endif  // QUILLAROTH_SIM_OPTION_HELP_H_

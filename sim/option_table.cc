@@ -1,5 +1,6 @@
 #include "sim/option_table.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -25,6 +26,46 @@ long field_max(const ReplyField& field) {
   return (1L << (8 * field.width)) - 1;
 }
 
+// The part of the target that holds a member of Part.
+template <typename Part>
+Part* part_of(const OptionTarget& target);
+template <>
+SimSettings* part_of<SimSettings>(const OptionTarget& target) {
+  return target.settings;
+}
+template <>
+Scenario* part_of<Scenario>(const OptionTarget& target) {
+  return target.scenario;
+}
+template <>
+ReplyShape* part_of<ReplyShape>(const OptionTarget& target) {
+  return target.shape;
+}
+
+// The class that a pointer to member belongs to.
+template <typename Member>
+struct MemberOf;
+template <typename Part, typename Type>
+struct MemberOf<Type Part::*> {
+  using Owner = Part;
+};
+
+// The applier of most rows: the value, parsed by kParse, into the member
+// kMember of the settings, the scenario or the reply shape.
+template <auto kMember, auto kParse>
+bool into(const OptionSpec&, const std::string& value,
+          const OptionTarget& target, std::string*) {
+  using Owner = typename MemberOf<decltype(kMember)>::Owner;
+  return kParse(value, &(part_of<Owner>(target)->*kMember));
+}
+
+// The applier of a row that sets several members of one part.
+template <typename Part, auto kParse>
+bool into_whole(const OptionSpec&, const std::string& value,
+                const OptionTarget& target, std::string*) {
+  return kParse(value, part_of<Part>(target));
+}
+
 // A reply field: hex bytes of its width, or a big-endian number.
 bool apply_field(const OptionSpec& option, const std::string& value,
                  const OptionTarget& target, std::string*) {
@@ -42,123 +83,145 @@ bool apply_field(const OptionSpec& option, const std::string& value,
   return true;
 }
 
-bool apply_log(const OptionSpec&, const std::string& value,
-               const OptionTarget& target, std::string*) {
-  if (value.empty()) return false;
-  target.settings->log_path = value;
+// The parsers of the values that have no parser of their own in
+// sim/value_parsers.h, each in the shape that into() calls.
+
+// A file name: anything but empty.
+bool parse_file_name(const std::string& text, std::string* out) {
+  if (text.empty()) return false;
+  *out = text;
   return true;
 }
 
-bool apply_stdout_file(const OptionSpec&, const std::string& value,
-                       const OptionTarget& target, std::string*) {
-  if (value.empty()) return false;
-  target.settings->stdout_path = value;
-  return true;
+// One of the formats of --print-table.
+bool parse_table_format(const std::string& text, std::string* out) {
+  for (const char* format : kTableFormats) {
+    if (text != format) continue;
+    *out = text;
+    return true;
+  }
+  return false;
 }
 
-bool apply_stdout_devfull(const OptionSpec&, const std::string& value,
-                          const OptionTarget& target, std::string*) {
-  return parse_switch(value, &target.settings->stdout_devfull);
-}
-
-bool apply_print_table(const OptionSpec&, const std::string& value,
-                       const OptionTarget& target, std::string*) {
-  if (value != "markdown") return false;
-  target.settings->print_table = value;
-  return true;
-}
-
-bool apply_help(const OptionSpec&, const std::string& value,
-                const OptionTarget& target, std::string*) {
-  return parse_switch(value, &target.settings->help);
-}
-
-bool apply_oneway(const OptionSpec&, const std::string& value,
-                  const OptionTarget& target, std::string*) {
+// The one-way switch: the probe's answer byte.
+bool parse_oneway(const std::string& text, Bytes* bidi_data) {
   bool oneway = false;
-  if (!parse_switch(value, &oneway)) return false;
-  target.scenario->bidi_data = {static_cast<uint8_t>(
-      oneway ? CUPS_SC_BIDI_NOT_SUPPORTED : CUPS_SC_BIDI_SUPPORTED)};
+  if (!parse_switch(text, &oneway)) return false;
+  *bidi_data = {static_cast<uint8_t>(oneway ? CUPS_SC_BIDI_NOT_SUPPORTED
+                                            : CUPS_SC_BIDI_SUPPORTED)};
   return true;
 }
 
-bool apply_bidi(const OptionSpec&, const std::string& value,
-                const OptionTarget& target, std::string*) {
-  if (value != "never") return false;
-  target.scenario->bidi.answered = false;
+// "never": the request is not answered.
+bool parse_never(const std::string& text, SideAnswer* answer) {
+  if (text != "never") return false;
+  answer->answered = false;
   return true;
 }
 
-bool apply_bidi_status(const OptionSpec&, const std::string& value,
-                       const OptionTarget& target, std::string*) {
-  return parse_sc_status(value, &target.scenario->bidi.status);
+// A side-channel status that answers the request.
+bool parse_answer_status(const std::string& text, SideAnswer* answer) {
+  return parse_sc_status(text, &answer->status);
 }
 
-bool apply_bidi_data(const OptionSpec&, const std::string& value,
-                     const OptionTarget& target, std::string*) {
-  return parse_hex_bytes(value, &target.scenario->bidi_data);
-}
-
-bool apply_drain(const OptionSpec&, const std::string& value,
-                 const OptionTarget& target, std::string*) {
-  if (value != "never") return false;
-  target.scenario->drain.answered = false;
-  return true;
-}
-
-bool apply_drain_status(const OptionSpec&, const std::string& value,
-                        const OptionTarget& target, std::string*) {
-  return parse_sc_status(value, &target.scenario->drain.status);
-}
-
-bool apply_drain_at(const OptionSpec&, const std::string& value,
-                    const OptionTarget& target, std::string*) {
+// "N:STATUS" or "N:never" for the Nth drain.
+bool parse_drain_at(const std::string& text,
+                    std::map<long, SideAnswer>* drain_at) {
   long drain = 0;
   std::string answer;
-  if (!parse_numbered(value, &drain, &answer)) return false;
+  if (!parse_numbered(text, &drain, &answer)) return false;
   SideAnswer side;
   side.answered = answer != "never";
   if (side.answered && !parse_sc_status(answer, &side.status)) return false;
-  target.scenario->drain_at[drain] = side;
+  (*drain_at)[drain] = side;
   return true;
 }
 
-bool apply_close_sidechannel(const OptionSpec&, const std::string& value,
-                             const OptionTarget& target, std::string*) {
-  if (value.empty()) {
-    target.scenario->close_sidechannel_at = 0;
+// A request number, or none at all for "before the first".
+bool parse_request_number(const std::string& text, long* out) {
+  if (text.empty()) {
+    *out = 0;
     return true;
   }
-  return parse_count(value, 0, 1000000, &target.scenario->close_sidechannel_at);
+  return parse_count(text, 0, 1000000, out);
 }
 
-bool apply_close_backchannel(const OptionSpec&, const std::string& value,
-                             const OptionTarget& target, std::string*) {
+// The back channel closes at the start (no number, or 0) or at query N.
+bool parse_close_backchannel(const std::string& text, Scenario* scenario) {
   long query = 0;
-  if (value.empty() || value == "0") {
-    target.scenario->close_backchannel_at_start = true;
+  if (text.empty() || text == "0") {
+    scenario->close_backchannel_at_start = true;
     return true;
   }
-  if (!parse_count(value, 1, 1000000, &query)) return false;
-  target.scenario->per_query[query].close = true;
+  if (!parse_count(text, 1, 1000000, &query)) return false;
+  scenario->per_query[query].close = true;
   return true;
 }
 
-bool apply_fill(const OptionSpec&, const std::string& value,
-                const OptionTarget& target, std::string*) {
-  Bytes fill;
-  if (!parse_hex_exact(value, 1, &fill)) return false;
-  target.scenario->fill = fill[0];
+// The query that gets no answer.
+bool parse_fail_at(const std::string& text,
+                   std::map<long, ReplyShape>* per_query) {
+  long query = 0;
+  if (!parse_count(text, 1, 1000000, &query)) return false;
+  (*per_query)[query].none = true;
   return true;
 }
 
-bool apply_raw(const OptionSpec&, const std::string& value,
-               const OptionTarget& target, std::string*) {
+// One hex byte.
+bool parse_hex_byte(const std::string& text, uint8_t* out) {
+  Bytes byte;
+  if (!parse_hex_exact(text, 1, &byte)) return false;
+  *out = byte[0];
+  return true;
+}
+
+// Hex bytes for a whole reply.
+bool parse_raw(const std::string& text, std::optional<Bytes>* out) {
   Bytes raw;
-  if (!parse_hex_bytes(value, &raw)) return false;
-  target.shape->raw = raw;
+  if (!parse_hex_bytes(text, &raw)) return false;
+  *out = raw;
   return true;
 }
+
+// A byte count of a reply.
+bool parse_byte_count(const std::string& text, std::optional<size_t>* out) {
+  long n = 0;
+  if (!parse_count(text, 0, 65536, &n)) return false;
+  *out = static_cast<size_t>(n);
+  return true;
+}
+
+// The sizes of a reply's pieces.
+bool parse_split(const std::string& text,
+                 std::optional<std::vector<size_t>>* out) {
+  std::vector<size_t> pieces;
+  if (!parse_pieces(text, &pieces)) return false;
+  *out = pieces;
+  return true;
+}
+
+// The four status bytes of the job status reply.
+bool parse_job_status(const std::string& text, std::array<uint8_t, 4>* out) {
+  Bytes status;
+  if (!parse_hex_exact(text, out->size(), &status)) return false;
+  std::copy(status.begin(), status.end(), out->begin());
+  return true;
+}
+
+// The network printer's address.
+bool parse_listen(const std::string& text, SimSettings* settings) {
+  if (!parse_host_port(text, &settings->listen_host, &settings->listen_port))
+    return false;
+  settings->listen = true;
+  return true;
+}
+
+// A number of connections.
+bool parse_connection_count(const std::string& text, long* out) {
+  return parse_count(text, 0, 1000000, out);
+}
+
+// The appliers whose complaints say more than what the value takes.
 
 bool apply_raw_file(const OptionSpec&, const std::string& value,
                     const OptionTarget& target, std::string* why) {
@@ -169,60 +232,6 @@ bool apply_raw_file(const OptionSpec&, const std::string& value,
   }
   target.shape->raw = raw;
   return true;
-}
-
-// A byte count into one of the shape's counts.
-bool apply_byte_count(const std::string& value, std::optional<size_t>* out) {
-  long n = 0;
-  if (!parse_count(value, 0, 65536, &n)) return false;
-  *out = static_cast<size_t>(n);
-  return true;
-}
-
-bool apply_size(const OptionSpec&, const std::string& value,
-                const OptionTarget& target, std::string*) {
-  return apply_byte_count(value, &target.shape->size);
-}
-
-bool apply_reset(const OptionSpec&, const std::string& value,
-                 const OptionTarget& target, std::string*) {
-  return apply_byte_count(value, &target.shape->reset);
-}
-
-bool apply_stall(const OptionSpec&, const std::string& value,
-                 const OptionTarget& target, std::string*) {
-  return apply_byte_count(value, &target.shape->stall);
-}
-
-bool apply_split(const OptionSpec&, const std::string& value,
-                 const OptionTarget& target, std::string*) {
-  std::vector<size_t> pieces;
-  if (!parse_pieces(value, &pieces)) return false;
-  target.shape->split = pieces;
-  return true;
-}
-
-bool apply_no_reply(const OptionSpec&, const std::string& value,
-                    const OptionTarget& target, std::string*) {
-  return parse_switch(value, &target.shape->none);
-}
-
-bool apply_close(const OptionSpec&, const std::string& value,
-                 const OptionTarget& target, std::string*) {
-  return parse_switch(value, &target.shape->close);
-}
-
-bool apply_fail_at(const OptionSpec&, const std::string& value,
-                   const OptionTarget& target, std::string*) {
-  long query = 0;
-  if (!parse_count(value, 1, 1000000, &query)) return false;
-  target.scenario->per_query[query].none = true;
-  return true;
-}
-
-bool apply_wake_after(const OptionSpec&, const std::string& value,
-                      const OptionTarget& target, std::string*) {
-  return parse_count_or_never(value, &target.scenario->wake_after);
 }
 
 bool apply_reply(const OptionSpec&, const std::string& value,
@@ -237,29 +246,6 @@ bool apply_reply(const OptionSpec&, const std::string& value,
   return false;
 }
 
-bool apply_job_status(const OptionSpec&, const std::string& value,
-                      const OptionTarget& target, std::string*) {
-  Bytes status;
-  if (!parse_hex_exact(value, target.scenario->job_status.size(), &status))
-    return false;
-  std::copy(status.begin(), status.end(), target.scenario->job_status.begin());
-  return true;
-}
-
-bool apply_hang(const OptionSpec&, const std::string& value,
-                const OptionTarget& target, std::string*) {
-  return parse_switch(value, &target.scenario->hang);
-}
-
-bool apply_listen(const OptionSpec&, const std::string& value,
-                  const OptionTarget& target, std::string*) {
-  if (!parse_host_port(value, &target.settings->listen_host,
-                       &target.settings->listen_port))
-    return false;
-  target.settings->listen = true;
-  return true;
-}
-
 bool apply_connection(const OptionSpec&, const std::string& value,
                       const OptionTarget& target, std::string* why) {
   long connection = 0;
@@ -267,10 +253,8 @@ bool apply_connection(const OptionSpec&, const std::string& value,
   if (!parse_numbered(value, &connection, &keys)) return false;
   // Checked now, laid over the run-wide scenario when the connection comes.
   Scenario scratch;
-  OptionTarget check;
-  check.scenario = &scratch;
-  check.shape = &scratch.every;
-  if (!apply_keys(keys, kKeySeparator, kScenarioKey, check, why)) {
+  if (!apply_keys(keys, kKeySeparator, kScenarioKey, scenario_target(&scratch),
+                  why)) {
     *why = "connection " + value + ": " + *why;
     return false;
   }
@@ -279,176 +263,191 @@ bool apply_connection(const OptionSpec&, const std::string& value,
   return true;
 }
 
-bool apply_accept(const OptionSpec&, const std::string& value,
-                  const OptionTarget& target, std::string*) {
-  return parse_count(value, 0, 1000000, &target.settings->accept_limit);
+constexpr ValueKind kSwitch = ValueKind::kSwitch;
+constexpr ValueKind kRequired = ValueKind::kRequired;
+constexpr ValueKind kOptional = ValueKind::kOptional;
+
+// Every row, made on first use: a Scenario made during static
+// initialisation may need them.
+const std::vector<OptionSpec>& rows() {
+  static const std::vector<OptionSpec> kRows = {
+      // Output.
+      {"log", nullptr, kRequired, "FILE", OptionGroup::kOutput, kCommandLine,
+       kNoField, "", "a file name",
+       "Log what the printer receives and answers (see Log).",
+       into<&SimSettings::log_path, parse_file_name>},
+      {"stdout-file", nullptr, kRequired, "FILE", OptionGroup::kOutput,
+       kCommandLine, kNoField, "", "a file name",
+       "Save the raw bytes that the filter writes to its stdout.",
+       into<&SimSettings::stdout_path, parse_file_name>},
+      {"stdout-devfull", nullptr, kSwitch, "", OptionGroup::kOutput,
+       kCommandLine, kNoField, "", "1 or 0",
+       "Give the filter `/dev/full` as its stdout (its writes fail at the "
+       "flush).",
+       into<&SimSettings::stdout_devfull, parse_switch>},
+      {"print-table", nullptr, kRequired, "FORMAT", OptionGroup::kOutput,
+       kCommandLine, kNoField, "", "markdown, uri-keys or man",
+       "Print the options and exit: as the README's tables (`markdown`), "
+       "the README's table of device-URI keys (`uri-keys`) or the manual "
+       "page's option sections (`man`).",
+       into<&SimSettings::print_table, parse_table_format>},
+      {"help", nullptr, kSwitch, "", OptionGroup::kOutput, kCommandLine,
+       kNoField, "", "1 or 0", "Print the options and exit.",
+       into<&SimSettings::help, parse_switch>},
+
+      // Side channel.
+      {"oneway", nullptr, kSwitch, "", OptionGroup::kSideChannel, kScript,
+       kNoField, "", "1 or 0",
+       "Answer the probe `OK` with the byte 00 (`CUPS_SC_BIDI_NOT_SUPPORTED`) "
+       "instead of 01.",
+       into<&Scenario::bidi_data, parse_oneway>},
+      {"bidi", nullptr, kRequired, "never", OptionGroup::kSideChannel, kScript,
+       kNoField, "", "never",
+       "Never answer the probe (libcups gives the filter a time-out after its "
+       "30 s).",
+       into<&Scenario::bidi, parse_never>},
+      {"bidi-status", nullptr, kRequired, "STATUS", OptionGroup::kSideChannel,
+       kScript, kNoField, "OK", "a side-channel status",
+       "Answer the probe with this status.",
+       into<&Scenario::bidi, parse_answer_status>},
+      {"bidi-data", nullptr, kRequired, "HEX", OptionGroup::kSideChannel,
+       kScript, kNoField, "01", "hex bytes",
+       "Answer the probe with these bytes; `''` for an empty answer, `0101` "
+       "for two bytes.",
+       into<&Scenario::bidi_data, parse_hex_bytes>},
+      {"drain", nullptr, kRequired, "never", OptionGroup::kSideChannel,
+       kScript, kNoField, "", "never",
+       "Never answer a drain (each costs the filter its real 5 s).",
+       into<&Scenario::drain, parse_never>},
+      {"drain-status", nullptr, kRequired, "STATUS", OptionGroup::kSideChannel,
+       kScript, kNoField, "OK", "a side-channel status",
+       "Answer every drain with this status.",
+       into<&Scenario::drain, parse_answer_status>},
+      {"drain-at", nullptr, kRequired, "N:STATUS", OptionGroup::kSideChannel,
+       kScript, kNoField, "", "N:STATUS or N:never",
+       "Answer the Nth drain with this status, or not at all with `N:never`; "
+       "may be repeated.",
+       into<&Scenario::drain_at, parse_drain_at>},
+      {"close-sidechannel", nullptr, kOptional, "N", OptionGroup::kSideChannel,
+       kScript, kNoField, "", "a request number",
+       "Close the side channel before the filter's first request, or (`=N`) "
+       "unanswered when the Nth request arrives.",
+       into<&Scenario::close_sidechannel_at, parse_request_number>},
+      {"close-backchannel", nullptr, kOptional, "N", OptionGroup::kSideChannel,
+       kScript, kNoField, "", "a query number",
+       "Close the back channel before the first query (the filter reads end "
+       "of file), or (`=N`) instead of answering the Nth query.",
+       into_whole<Scenario, parse_close_backchannel>},
+
+      // The printer and its printer-information reply.
+      {"power", nullptr, kRequired, "XX", OptionGroup::kPrinter, kEverywhere,
+       {5, 1, false}, "00", "", "Power state (00 = awake).", apply_field},
+      {"memory", nullptr, kRequired, "XX", OptionGroup::kPrinter, kEverywhere,
+       {4, 1, false}, "00", "", "Memory state (`ff`: memory not free).",
+       apply_field},
+      {"mech", nullptr, kRequired, "XXXX", OptionGroup::kPrinter, kEverywhere,
+       {128, 2, false}, "0000", "", "Mechanism state.", apply_field},
+      {"error", nullptr, kRequired, "XXXXXX", OptionGroup::kPrinter,
+       kEverywhere, {131, 3, false}, "000000", "",
+       "Error code (`000000`: no error).", apply_field},
+      {"sheet", nullptr, kRequired, "XXXX", OptionGroup::kPrinter, kEverywhere,
+       {145, 2, false}, "8410", "", "Ink-sheet type.", apply_field},
+      {"total", nullptr, kRequired, "N", OptionGroup::kPrinter, kEverywhere,
+       {148, 2, true}, "350", "", "Ribbon total.", apply_field},
+      {"remaining", nullptr, kRequired, "N", OptionGroup::kPrinter, kEverywhere,
+       {150, 2, true}, "123", "", "Ribbon remaining (0: used up).",
+       apply_field},
+      {"fill", nullptr, kRequired, "XX", OptionGroup::kPrinter, kScript,
+       kNoField, "00", "2 hex digits",
+       "The byte in every place that no field covers.",
+       into<&Scenario::fill, parse_hex_byte>},
+      {"raw", nullptr, kRequired, "HEX", OptionGroup::kPrinter, kEverywhere,
+       kNoField, "", "hex bytes",
+       "The whole reply, as hex bytes (blanks and colons allowed). Only the "
+       "fields named by options are laid over it.",
+       into<&ReplyShape::raw, parse_raw>},
+      {"raw-file", nullptr, kRequired, "FILE", OptionGroup::kPrinter,
+       kCommandLine, kNoField, "", "a file name",
+       "The whole reply, from a binary file.", apply_raw_file},
+      {"size", "short", kRequired, "N", OptionGroup::kPrinter, kEverywhere,
+       kNoField, "", "a byte count",
+       "Make the reply N bytes long: cut short (the filter's next read times "
+       "out) or padded with the fill byte (oversized).",
+       into<&ReplyShape::size, parse_byte_count>},
+      {"split", nullptr, kRequired, "A+B+...", OptionGroup::kPrinter,
+       kEverywhere, kNoField, "", "piece sizes like 100+92",
+       "Write the reply in pieces of these sizes; what is left over goes as "
+       "one last piece. (The command line takes `100,92` too.)",
+       into<&ReplyShape::split, parse_split>},
+      {"no-reply", "none", kSwitch, "", OptionGroup::kPrinter, kEverywhere,
+       kNoField, "", "1 or 0",
+       "Answer no query (each costs the filter its 1 s read time-out).",
+       into<&ReplyShape::none, parse_switch>},
+      {"close", nullptr, kSwitch, "", OptionGroup::kPrinter, kEverywhere,
+       kNoField, "", "1 or 0", "Close the back channel instead of answering.",
+       into<&ReplyShape::close, parse_switch>},
+      {"fail-at", nullptr, kRequired, "N", OptionGroup::kPrinter, kScript,
+       kNoField, "", "a query number", "Give no answer to the Nth query.",
+       into<&Scenario::per_query, parse_fail_at>},
+      {"wake-after", "wake", kRequired, "N|never", OptionGroup::kPrinter,
+       kScript, kNoField, "0", "a number or never",
+       "Queries 1 to N find the printer asleep (power state 01); from query "
+       "N+1 on it is awake. `never`: it never wakes.",
+       into<&Scenario::wake_after, parse_count_or_never>},
+      {"reply", nullptr, kRequired, "N:KEY=VALUE,...", OptionGroup::kPrinter,
+       kCommandLine, kNoField, "", "N:KEY=VALUE,...",
+       "The Nth query's reply only, with keys from the Key column; they "
+       "override, for that query, both the run-wide options and "
+       "`--wake-after`. May be repeated.",
+       apply_reply},
+      {"job-status", nullptr, kRequired, "XXXXXXXX", OptionGroup::kPrinter,
+       kScript, kNoField, "00000000", "8 hex digits",
+       "Bytes 8-11 of the job status reply.",
+       into<&Scenario::job_status, parse_job_status>},
+
+      // Faults of the printer and its connection.
+      {"reset", nullptr, kRequired, "N", OptionGroup::kFaults, kEverywhere,
+       kNoField, "", "a byte count",
+       "Send the reply's first N bytes, then reset the connection (over the "
+       "pipes: close the back channel).",
+       into<&ReplyShape::reset, parse_byte_count>},
+      {"stall", nullptr, kRequired, "N", OptionGroup::kFaults, kEverywhere,
+       kNoField, "", "a byte count",
+       "Send the reply's first N bytes, then hang: nothing more is sent or "
+       "read, and the connection stays open.",
+       into<&ReplyShape::stall, parse_byte_count>},
+      {"hang", nullptr, kSwitch, "", OptionGroup::kFaults, kScript, kNoField,
+       "", "1 or 0",
+       "The printer hangs from the start: it reads and answers nothing (a "
+       "backend in front of it still answers the side channel).",
+       into<&Scenario::hang, parse_switch>},
+
+      // The network printer.
+      {"listen", nullptr, kRequired, "HOST:PORT", OptionGroup::kNetwork,
+       kCommandLine, kNoField, "", "HOST:PORT",
+       "Be a network printer on this address instead of running a filter "
+       "(see Network printer). Port 0 picks a free port.",
+       into_whole<SimSettings, parse_listen>},
+      {"connection", nullptr, kRequired, "N:KEY=VALUE,...",
+       OptionGroup::kNetwork, kCommandLine, kNoField, "", "N:KEY=VALUE,...",
+       "Keys for the Nth connection only (any key that a device URI takes); "
+       "may be repeated.",
+       apply_connection},
+      {"accept", nullptr, kRequired, "N", OptionGroup::kNetwork, kCommandLine,
+       kNoField, "", "a number",
+       "Serve N connections, then refuse the rest; `0` refuses every "
+       "connection (the port stays bound, but nothing listens).",
+       into<&SimSettings::accept_limit, parse_connection_count>},
+  };
+  return kRows;
 }
-
-const std::vector<OptionSpec> kOptions = {
-    // Output.
-    {"log", nullptr, "FILE", OptionGroup::kOutput, kCommandLine, kNoField, "",
-     "a file name", "Log what the printer receives and answers (see Log).",
-     apply_log},
-    {"stdout-file", nullptr, "FILE", OptionGroup::kOutput, kCommandLine,
-     kNoField, "", "a file name",
-     "Save the raw bytes that the filter writes to its stdout.",
-     apply_stdout_file},
-    {"stdout-devfull", nullptr, "", OptionGroup::kOutput, kCommandLine,
-     kNoField, "", "1 or 0",
-     "Give the filter `/dev/full` as its stdout (its writes fail at the "
-     "flush).",
-     apply_stdout_devfull},
-    {"print-table", nullptr, "FORMAT", OptionGroup::kOutput, kCommandLine,
-     kNoField, "", "markdown",
-     "Print these tables of options (`markdown`, as in the README) and exit.",
-     apply_print_table},
-    {"help", nullptr, "", OptionGroup::kOutput, kCommandLine, kNoField, "",
-     "1 or 0", "Print the options and exit.", apply_help},
-
-    // Side channel.
-    {"oneway", nullptr, "", OptionGroup::kSideChannel, kScript, kNoField, "",
-     "1 or 0",
-     "Answer the probe `OK` with the byte 00 (`CUPS_SC_BIDI_NOT_SUPPORTED`) "
-     "instead of 01.",
-     apply_oneway},
-    {"bidi", nullptr, "never", OptionGroup::kSideChannel, kScript, kNoField,
-     "", "never",
-     "Never answer the probe (libcups gives the filter a time-out after its "
-     "30 s).",
-     apply_bidi},
-    {"bidi-status", nullptr, "STATUS", OptionGroup::kSideChannel, kScript,
-     kNoField, "OK", "a side-channel status",
-     "Answer the probe with this status.", apply_bidi_status},
-    {"bidi-data", nullptr, "HEX", OptionGroup::kSideChannel, kScript,
-     kNoField, "01", "hex bytes",
-     "Answer the probe with these bytes; `''` for an empty answer, `0101` "
-     "for two bytes.",
-     apply_bidi_data},
-    {"drain", nullptr, "never", OptionGroup::kSideChannel, kScript, kNoField,
-     "", "never", "Never answer a drain (each costs the filter its real 5 s).",
-     apply_drain},
-    {"drain-status", nullptr, "STATUS", OptionGroup::kSideChannel, kScript,
-     kNoField, "OK", "a side-channel status",
-     "Answer every drain with this status.", apply_drain_status},
-    {"drain-at", nullptr, "N:STATUS", OptionGroup::kSideChannel, kScript,
-     kNoField, "", "N:STATUS or N:never",
-     "Answer the Nth drain with this status, or not at all with `N:never`; "
-     "may be repeated.",
-     apply_drain_at},
-    {"close-sidechannel", nullptr, "[N]", OptionGroup::kSideChannel, kScript,
-     kNoField, "", "a request number",
-     "Close the side channel before the filter's first request, or (`=N`) "
-     "unanswered when the Nth request arrives.",
-     apply_close_sidechannel},
-    {"close-backchannel", nullptr, "[N]", OptionGroup::kSideChannel, kScript,
-     kNoField, "", "a query number",
-     "Close the back channel before the first query (the filter reads end "
-     "of file), or (`=N`) instead of answering the Nth query.",
-     apply_close_backchannel},
-
-    // The printer and its printer-information reply.
-    {"power", nullptr, "XX", OptionGroup::kPrinter, kEverywhere, {5, 1, false},
-     "00", "", "Power state (00 = awake).", apply_field},
-    {"memory", nullptr, "XX", OptionGroup::kPrinter, kEverywhere,
-     {4, 1, false}, "00", "", "Memory state (`ff`: memory not free).",
-     apply_field},
-    {"mech", nullptr, "XXXX", OptionGroup::kPrinter, kEverywhere,
-     {128, 2, false}, "0000", "", "Mechanism state.", apply_field},
-    {"error", nullptr, "XXXXXX", OptionGroup::kPrinter, kEverywhere,
-     {131, 3, false}, "000000", "", "Error code (`000000`: no error).",
-     apply_field},
-    {"sheet", nullptr, "XXXX", OptionGroup::kPrinter, kEverywhere,
-     {145, 2, false}, "8410", "", "Ink-sheet type.", apply_field},
-    {"total", nullptr, "N", OptionGroup::kPrinter, kEverywhere,
-     {148, 2, true}, "350", "", "Ribbon total.", apply_field},
-    {"remaining", nullptr, "N", OptionGroup::kPrinter, kEverywhere,
-     {150, 2, true}, "123", "", "Ribbon remaining (0: used up).",
-     apply_field},
-    {"fill", nullptr, "XX", OptionGroup::kPrinter, kScript, kNoField, "00",
-     "2 hex digits", "The byte in every place that no field covers.",
-     apply_fill},
-    {"raw", nullptr, "HEX", OptionGroup::kPrinter, kEverywhere, kNoField, "",
-     "hex bytes",
-     "The whole reply, as hex bytes (blanks and colons allowed). Only the "
-     "fields named by options are laid over it.",
-     apply_raw},
-    {"raw-file", nullptr, "FILE", OptionGroup::kPrinter, kCommandLine,
-     kNoField, "", "a file name", "The whole reply, from a binary file.",
-     apply_raw_file},
-    {"size", "short", "N", OptionGroup::kPrinter, kEverywhere, kNoField, "",
-     "a byte count",
-     "Make the reply N bytes long: cut short (the filter's next read times "
-     "out) or padded with the fill byte (oversized).",
-     apply_size},
-    {"split", nullptr, "A+B+...", OptionGroup::kPrinter, kEverywhere,
-     kNoField, "", "piece sizes like 100+92",
-     "Write the reply in pieces of these sizes; what is left over goes as "
-     "one last piece. (The command line takes `100,92` too.)",
-     apply_split},
-    {"no-reply", "none", "", OptionGroup::kPrinter, kEverywhere, kNoField, "",
-     "1 or 0",
-     "Answer no query (each costs the filter its 1 s read time-out).",
-     apply_no_reply},
-    {"close", nullptr, "", OptionGroup::kPrinter, kEverywhere, kNoField, "",
-     "1 or 0", "Close the back channel instead of answering.", apply_close},
-    {"fail-at", nullptr, "N", OptionGroup::kPrinter, kScript, kNoField, "",
-     "a query number", "Give no answer to the Nth query.", apply_fail_at},
-    {"wake-after", "wake", "N|never", OptionGroup::kPrinter, kScript,
-     kNoField, "0", "a number or never",
-     "Queries 1 to N find the printer asleep (power state 01); from query "
-     "N+1 on it is awake. `never`: it never wakes.",
-     apply_wake_after},
-    {"reply", nullptr, "N:KEY=VALUE,...", OptionGroup::kPrinter, kCommandLine,
-     kNoField, "", "N:KEY=VALUE,...",
-     "The Nth query's reply only, with keys from the Key column; they "
-     "override, for that query, both the run-wide options and "
-     "`--wake-after`. May be repeated.",
-     apply_reply},
-    {"job-status", nullptr, "XXXXXXXX", OptionGroup::kPrinter, kScript,
-     kNoField, "00000000", "8 hex digits",
-     "Bytes 8-11 of the job status reply.", apply_job_status},
-
-    // Faults of the printer and its connection.
-    {"reset", nullptr, "N", OptionGroup::kFaults, kEverywhere, kNoField, "",
-     "a byte count",
-     "Send the reply's first N bytes, then reset the connection (over the "
-     "pipes: close the back channel).",
-     apply_reset},
-    {"stall", nullptr, "N", OptionGroup::kFaults, kEverywhere, kNoField, "",
-     "a byte count",
-     "Send the reply's first N bytes, then hang: nothing more is sent or "
-     "read, and the connection stays open.",
-     apply_stall},
-    {"hang", nullptr, "", OptionGroup::kFaults, kScript, kNoField, "",
-     "1 or 0",
-     "The printer hangs from the start: it reads and answers nothing (a "
-     "backend in front of it still answers the side channel).",
-     apply_hang},
-
-    // The network printer.
-    {"listen", nullptr, "HOST:PORT", OptionGroup::kNetwork, kCommandLine,
-     kNoField, "", "HOST:PORT",
-     "Be a network printer on this address instead of running a filter "
-     "(see Network printer). Port 0 picks a free port.",
-     apply_listen},
-    {"connection", nullptr, "N:KEY=VALUE,...", OptionGroup::kNetwork,
-     kCommandLine, kNoField, "", "N:KEY=VALUE,...",
-     "Keys for the Nth connection only (any key that a device URI takes); "
-     "may be repeated.",
-     apply_connection},
-    {"accept", nullptr, "N", OptionGroup::kNetwork, kCommandLine, kNoField,
-     "", "a number",
-     "Serve N connections, then refuse the rest; `0` refuses every "
-     "connection (the port stays bound, but nothing listens).",
-     apply_accept},
-};
 
 }  // namespace
 
-const std::vector<OptionSpec>& option_table() { return kOptions; }
+const std::vector<OptionSpec>& option_table() { return rows(); }
 
 const OptionSpec* find_option(const std::string& name, unsigned scope) {
-  for (const OptionSpec& option : kOptions) {
+  for (const OptionSpec& option : rows()) {
     bool named = name == option.name ||
                  (option.alias != nullptr && name == option.alias);
     if (named && (option.scope & scope) != 0) return &option;
@@ -488,7 +487,7 @@ bool apply_keys(const std::string& list, char separator, unsigned scope,
                     : "unknown key \"" + key + "\"");
       return false;
     }
-    bool is_switch = option->value[0] == '\0';
+    bool is_switch = option->kind == ValueKind::kSwitch;
     if (equals == std::string::npos && !is_switch) {
       *why = "\"" + item + "\" is not key=value";
       return false;
@@ -505,7 +504,7 @@ ReplyShape default_reply_shape() {
   OptionTarget target;
   target.shape = &shape;
   std::string why;
-  for (const OptionSpec& option : kOptions)
+  for (const OptionSpec& option : rows())
     if (option.field.width > 0)
       apply_option(option, option.name, option.default_value, target, &why);
   return shape;
@@ -516,11 +515,26 @@ Scenario scenario_for_connection(const SimSettings& settings,
   Scenario scenario = settings.scenario;
   auto keys = settings.connection_keys.find(connection);
   if (keys != settings.connection_keys.end()) {
-    OptionTarget target;
-    target.scenario = &scenario;
-    target.shape = &scenario.every;
     std::string why;
-    apply_keys(keys->second, kKeySeparator, kScenarioKey, target, &why);
+    apply_keys(keys->second, kKeySeparator, kScenarioKey,
+               scenario_target(&scenario), &why);
   }
   return scenario;
+}
+
+OptionTarget scenario_target(Scenario* scenario) {
+  OptionTarget target;
+  target.scenario = scenario;
+  target.shape = &scenario->every;
+  return target;
+}
+
+// The table's defaults of everything but the reply fields, which
+// default_reply_shape() lays under every reply.
+Scenario::Scenario() {
+  std::string why;
+  for (const OptionSpec& option : rows())
+    if (option.field.width == 0 && option.default_value[0] != '\0')
+      apply_option(option, option.name, option.default_value,
+                   scenario_target(this), &why);
 }

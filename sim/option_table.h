@@ -10,8 +10,9 @@
 // with the same name and the same value everywhere (lists are joined with
 // kListSeparator, '+').  A row that is a reply field also gives its offset
 // and width in the printer-information reply; the reply is laid out from
-// those rows (sim/reply_plan.cc), and --help and the README's tables are
-// printed from the table (sim/option_help.h).  A new field is one new row.
+// those rows (sim/reply_plan.cc), and --help, the README's tables and the
+// manual page's option sections are printed from the table
+// (sim/option_help.h).  A new field is one new row.
 
 #ifndef QUILLAROTH_SIM_OPTION_TABLE_H_
 #define QUILLAROTH_SIM_OPTION_TABLE_H_
@@ -48,16 +49,26 @@ struct OptionTarget {
   ReplyShape* shape = nullptr;      // every scope
 };
 
+// What an option takes after its name.
+enum class ValueKind {
+  kSwitch,    // nothing, =1 or =0: --oneway, oneway, oneway=0
+  kRequired,  // a value: --error 060202, error=060202
+  kOptional,  // a value that the command line may leave out:
+              // --close-sidechannel, --close-sidechannel=2
+};
+
 struct OptionSpec {
   const char* name;
   const char* alias;  // a second name that is accepted too, or nullptr
-  // The value's syntax: "XXXXXX", "N", "" for a switch, "[N]" when the
-  // value may be left out on the command line.
+  ValueKind kind;
+  // The value's syntax: "XXXXXX", "N"; "" for a switch.
   const char* value;
   OptionGroup group;
   unsigned scope;
   ReplyField field;
-  const char* default_value;  // the printer's value when unscripted, or ""
+  // The printer's value when unscripted, or "": the scenario and the reply
+  // start from these (Scenario(), default_reply_shape()).
+  const char* default_value;
   // What a good value is, for complaints ("a number or never"); "" for a
   // reply field (it follows from the field's width).
   const char* takes;
@@ -92,6 +103,10 @@ bool apply_option(const OptionSpec& option, const std::string& name_given,
 bool apply_keys(const std::string& list, char separator, unsigned scope,
                 const OptionTarget& target, std::string* why);
 
+// The target of scenario keys (a device URI, --connection, a USB script):
+// the scenario, and its every-query reply shape.
+OptionTarget scenario_target(Scenario* scenario);
+
 // The reply that the printer gives when the script says nothing: each
 // reply field at its default.
 ReplyShape default_reply_shape();
@@ -99,6 +114,10 @@ ReplyShape default_reply_shape();
 // The scenario of the Nth connection (counted from 1): the run-wide one
 // with that connection's --connection keys laid over it.
 Scenario scenario_for_connection(const SimSettings& settings, long connection);
+
+// The formats of --print-table: the README's option tables, its table of
+// device-URI keys, and the manual page's option sections.
+constexpr const char* kTableFormats[] = {"markdown", "uri-keys", "man"};
 
 // The name of the power-state field: a sleeping printer reports 01 there.
 constexpr char kPowerField[] = "power";

@@ -29,10 +29,24 @@ std::string command_line(const PrinterCommand& command) {
                            command.size);
 }
 
+// An event that is only a log line.
+PrinterEvent line_event(const std::string& line) {
+  PrinterEvent event;
+  event.log_line = line;
+  return event;
+}
+
 }  // namespace
 
 PrinterCore::PrinterCore(Scenario scenario)
     : scenario_(std::move(scenario)), hung_(scenario_.hang) {}
+
+std::vector<PrinterEvent> PrinterCore::Start() const {
+  std::vector<PrinterEvent> events;
+  if (hung_)
+    events.push_back(line_event("printer hangs: it reads and answers nothing"));
+  return events;
+}
 
 std::vector<PrinterEvent> PrinterCore::Take(const uint8_t* data, size_t size) {
   std::vector<PrinterEvent> events;
@@ -78,6 +92,15 @@ void PrinterCore::HandleInput(bool at_end, std::vector<PrinterEvent>* events) {
       if (event.is_query && event.reply.kind == ReplyPlan::Kind::kSend &&
           event.reply.end == ReplyPlan::End::kStall)
         hung_ = true;
+      if (hung_) {
+        std::string hangs = "printer hangs after " +
+                            std::to_string(event.reply.SentSize()) + " of " +
+                            std::to_string(event.reply.bytes.size()) +
+                            " bytes";
+        events->push_back(std::move(event));
+        events->push_back(line_event(hangs));
+        break;
+      }
     } else {
       // Unknown bytes, up to the next escape.
       size_t end = 1;

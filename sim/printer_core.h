@@ -11,9 +11,15 @@
 // the host sends, cut anywhere, and carries out what comes back, in order:
 //
 //   PrinterCore printer(scenario);
-//   for (const PrinterEvent& event : printer.Take(data, size)) {
+//   handle(printer.Start());  // "printer hangs: ..." when scripted to
+//   handle(printer.Take(data, size));
+//
+// where handle() logs each event's line and carries out a query's reply
+// (carry_out_reply() in sim/reply_transport.h):
+//
+//   for (const PrinterEvent& event : events) {
 //     log.Line("%s", event.log_line.c_str());
-//     if (event.is_query) carry_out(event.reply);  // describe_reply() logs it
+//     if (event.is_query) carry_out_reply(event.reply, log, transport);
 //   }
 //   ...
 //   for (const PrinterEvent& event : printer.Finish()) ...  // host is done
@@ -25,7 +31,10 @@
 // core, so --wake-after and --reply N count again for every new connection
 // (every backend run, every TCP connection, every USB claim).  After a plan
 // that stalls, or from the start when the scenario says hang, the printer
-// is hung: Take() swallows everything and yields nothing.
+// is hung: Take() swallows everything and yields nothing.  The core says so
+// itself, in an event of its own: "printer hangs: it reads and answers
+// nothing" from Start(), "printer hangs after 100 of 192 bytes" right
+// after the query whose reply stalls.
 //
 // The core does no I/O and keeps no pointer into the caller's buffers.
 
@@ -42,7 +51,8 @@
 
 // One reaction of the printer to the host's bytes.
 struct PrinterEvent {
-  // "cmd 1b 56 32 31", or "unknown bytes (4): 6a 75 6e 6b".
+  // "cmd 1b 56 32 31", "unknown bytes (4): 6a 75 6e 6b", or "printer
+  // hangs after 100 of 192 bytes".
   std::string log_line;
   // True for a query: the printer answers it as `reply` plans.
   bool is_query = false;
@@ -54,6 +64,8 @@ class PrinterCore {
   // A printer that plays the scenario (copied: the core owns its script).
   explicit PrinterCore(Scenario scenario);
 
+  // The printer is switched on: a printer scripted to hang says so.
+  std::vector<PrinterEvent> Start() const;
   // Takes bytes that the host sent; returns what the printer does about
   // every command (or unknown bytes) that they complete.
   std::vector<PrinterEvent> Take(const uint8_t* data, size_t size);

@@ -8,7 +8,8 @@
 //
 // The keys that fill it ("error=060202", "split=100+92", ...) are listed
 // once, in sim/option_table.h, for the command line, --reply and the device
-// URI alike.
+// URI alike; so are the printer's values when the script says nothing,
+// which Scenario() takes from there.
 
 #ifndef QUILLAROTH_SIM_SCENARIO_H_
 #define QUILLAROTH_SIM_SCENARIO_H_
@@ -46,13 +47,16 @@ struct ReplyShape {
 // any byte, libcups names only some.
 struct SideAnswer {
   bool answered = true;
-  int status = CUPS_SC_STATUS_OK;
+  int status = CUPS_SC_STATUS_NONE;
 };
 
 struct Scenario {
+  // The unscripted printer: every option at the option table's default.
+  Scenario();
+
   // The bidirectional probe (CUPS_SC_CMD_GET_BIDI).
   SideAnswer bidi;
-  Bytes bidi_data = {CUPS_SC_BIDI_SUPPORTED};
+  Bytes bidi_data;
 
   // The output drains (CUPS_SC_CMD_DRAIN_OUTPUT), all of them and the Nth.
   SideAnswer drain;
@@ -69,13 +73,13 @@ struct Scenario {
   ReplyShape every;
   std::map<long, ReplyShape> per_query;
   // Queries 1..wake_after find the printer asleep; -1: it never wakes.
-  long wake_after = 0;
-  uint8_t fill = 0;  // the bytes that no field covers
+  long wake_after{};
+  uint8_t fill{};  // the bytes that no field covers
   // The printer hangs from the start: it reads and answers nothing.
   bool hang = false;
 
   // Bytes 8-11 of the 20-byte job status reply.
-  std::array<uint8_t, 4> job_status = {0, 0, 0, 0};
+  std::array<uint8_t, 4> job_status{};
 };
 
 #endif  // QUILLAROTH_SIM_SCENARIO_H_

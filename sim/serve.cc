@@ -16,6 +16,7 @@
 
 #include "sim/clock.h"
 #include "sim/printer_core.h"
+#include "sim/reply_transport.h"
 #include "sim/value_parsers.h"
 
 namespace {
@@ -26,7 +27,7 @@ constexpr double kPieceWaitLimit = 10.0;
 // True when the descriptor is open.
 bool fd_is_open(int fd) { return fcntl(fd, F_GETFD) != -1; }
 
-class PrinterServer {
+class PrinterServer : public ReplyTransport {
  public:
   // Takes the script, the descriptors and the log.
   PrinterServer(const Scenario& scenario, const ServeChannels& channels,
@@ -46,8 +47,14 @@ class PrinterServer {
   void ReadPendingInput();
   // Logs the printer's reactions and carries out its replies.
   void Handle(const std::vector<PrinterEvent>& events);
-  // Sends, withholds or closes as the plan says.
-  void Reply(const ReplyPlan& plan);
+  // Queues one piece of a reply; the first goes at once.
+  void SendPiece(const uint8_t* data, size_t size) override;
+  // Closes the back channel once the pieces are out.
+  void ResetAfterPieces() override;
+  // Closes the back channel instead of replying.
+  void CloseInstead() override;
+  // "back channel closes".
+  std::string ResetWords() const override;
   // Reads and answers one side-channel request.
   void HandleSideChannel();
   // Answers a side-channel request with a status and data, or not at all.
@@ -74,6 +81,7 @@ class PrinterServer {
   long drains_ = 0;
   std::deque<Bytes> pieces_;
   bool close_after_pieces_ = false;  // a reset: close once they are out
+  bool wrote_for_reply_ = false;     // a piece has gone for this reply
   double last_piece_time_ = 0;
 };
 
@@ -85,7 +93,7 @@ void PrinterServer::Run() {
   back_open_ = fd_is_open(CUPS_BC_FD);
   if (scenario_.close_sidechannel_at == 0 && side_open_) CloseSideChannel();
   if (scenario_.close_backchannel_at_start && back_open_) CloseBackChannel();
-  if (printer_.hung()) log_.Line("printer hangs: it reads and answers nothing");
+  Handle(printer_.Start());
 
   for (;;) {
     bool waiting_for_side = channels_.until_sidechannel_eof && side_open_;
@@ -154,42 +162,36 @@ void PrinterServer::ReadPendingInput() {
 void PrinterServer::Handle(const std::vector<PrinterEvent>& events) {
   for (const PrinterEvent& event : events) {
     log_.Line("%s", event.log_line.c_str());
-    if (event.is_query) Reply(event.reply);
+    if (!event.is_query) continue;
+    wrote_for_reply_ = false;
+    if (back_open_)
+      carry_out_reply(event.reply, log_, *this);
+    else
+      log_.Line("no reply to %s (back channel closed)", event.reply.what);
   }
 }
 
-// Writes the reply (its first piece now, the others later), or says
-// nothing, or closes the back channel.
-void PrinterServer::Reply(const ReplyPlan& plan) {
-  if (!back_open_) {
-    log_.Line("no reply to %s (back channel closed)", plan.what);
-    return;
-  }
-  log_.Line("%s", describe_reply(plan).c_str());
-  if (plan.kind == ReplyPlan::Kind::kNone) return;
-  if (plan.kind == ReplyPlan::Kind::kClose) {
-    CloseBackChannel();
-    return;
-  }
-  if (plan.end != ReplyPlan::End::kWhole)
-    log_.Line("%s after %zu of %zu bytes",
-              plan.end == ReplyPlan::End::kReset ? "back channel closes"
-                                                 : "printer hangs",
-              plan.SentSize(), plan.bytes.size());
-  size_t offset = 0;
-  for (size_t piece : plan.pieces) {
-    pieces_.emplace_back(plan.bytes.begin() + static_cast<long>(offset),
-                         plan.bytes.begin() + static_cast<long>(offset + piece));
-    offset += piece;
-  }
-  close_after_pieces_ = plan.end == ReplyPlan::End::kReset;
-  // The first piece goes at once; the backend has the reply in hand.
-  if (!pieces_.empty()) {
+// The first piece goes at once (the backend has the reply in hand), the
+// others once the filter has read the pipe empty.
+void PrinterServer::SendPiece(const uint8_t* data, size_t size) {
+  pieces_.emplace_back(data, data + size);
+  if (!wrote_for_reply_) {
     WritePiece(pieces_.front());
     pieces_.pop_front();
+    wrote_for_reply_ = true;
   }
-  if (pieces_.empty() && close_after_pieces_) CloseBackChannel();
 }
+
+void PrinterServer::ResetAfterPieces() {
+  if (pieces_.empty())
+    CloseBackChannel();
+  else
+    close_after_pieces_ = true;
+}
+
+void PrinterServer::CloseInstead() { CloseBackChannel(); }
+
+std::string PrinterServer::ResetWords() const { return "back channel closes"; }
 
 // Writes further pieces once the filter has emptied the pipe (or has left
 // it full for too long).  Without a kept read end they all go at once.

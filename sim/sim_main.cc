@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (!settings.print_table.empty()) {
-    fputs(markdown_tables().c_str(), stdout);
+    fputs(printed_table(settings.print_table).c_str(), stdout);
     return 0;
   }
 

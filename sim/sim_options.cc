@@ -22,7 +22,7 @@ bool complain(const std::string& text) {
 // Adds one long option for name, standing for the table's row `row`.
 void add_long_option(const char* name, const OptionSpec& option, int row,
                      std::vector<struct option>* options) {
-  bool optional = option.value[0] == '\0' || option.value[0] == '[';
+  bool optional = option.kind != ValueKind::kRequired;
   options->push_back({name, optional ? optional_argument : required_argument,
                       nullptr, kFirstOption + row});
 }

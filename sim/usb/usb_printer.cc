@@ -133,6 +133,8 @@ void UsbPrinter::Claim(int handle) {
   claimed_by_ = handle;
   printer_.emplace(script_.printer);
   usb_log_.Line("claim interface %d", kPrinterInterface);
+  for (const PrinterEvent& event : printer_->Start())
+    printer_log_.Line("%s", event.log_line.c_str());
 }
 
 // Only the handle that holds the interface can let it go.
@@ -306,35 +308,21 @@ int UsbPrinter::Write(std::unique_lock<std::mutex>& lock, const uint8_t* data,
        printer_->Take(data, static_cast<size_t>(length))) {
     printer_log_.Line("%s", event.log_line.c_str());
     if (!event.is_query) continue;
-    printer_log_.Line("%s", describe_reply(event.reply).c_str());
-    QueueReply(event.reply);
+    // Lone zero-length packets go before a reply, if the script says so.
+    if (!unplug_queued_ && event.reply.kind == ReplyPlan::Kind::kSend)
+      for (long i = 0; i < script_.empty_packets; i++)
+        in_packets_.push_back({});
+    carry_out_reply(event.reply, printer_log_, *this);
+    packet_ready_.notify_all();
   }
   *transferred = length;
   return LIBUSB_SUCCESS;
 }
 
-// Lone zero-length packets, then each piece in packets; "no reply" queues
-// nothing, a closing printer vanishes, and so does one whose reply ends in
-// a reset, after its pieces.
-void UsbPrinter::QueueReply(const ReplyPlan& plan) {
-  if (unplug_queued_ || plan.kind == ReplyPlan::Kind::kNone) return;
-  if (plan.kind == ReplyPlan::Kind::kClose) {
-    QueueUnplug();
-    return;
-  }
-  for (long i = 0; i < script_.empty_packets; i++) in_packets_.push_back({});
-  size_t offset = 0;
-  for (size_t piece : plan.pieces) {
-    QueuePiece(plan.bytes.data() + offset, piece);
-    offset += piece;
-  }
-  if (plan.end == ReplyPlan::End::kReset) QueueUnplug();
-  packet_ready_.notify_all();
-}
-
 // Full packets, then a short one; a piece that fills its last packet ends
 // with a zero-length packet unless the script says otherwise.
-void UsbPrinter::QueuePiece(const uint8_t* data, size_t size) {
+void UsbPrinter::SendPiece(const uint8_t* data, size_t size) {
+  if (unplug_queued_) return;
   size_t packet = script_.packet_size;
   for (size_t offset = 0;; offset += packet) {
     size_t n = std::min(packet, size - offset);
@@ -343,6 +331,16 @@ void UsbPrinter::QueuePiece(const uint8_t* data, size_t size) {
     if (n < packet) return;
   }
 }
+
+void UsbPrinter::ResetAfterPieces() {
+  if (!unplug_queued_) QueueUnplug();
+}
+
+void UsbPrinter::CloseInstead() {
+  if (!unplug_queued_) QueueUnplug();
+}
+
+std::string UsbPrinter::ResetWords() const { return "device unplugs"; }
 
 // Drops what waits on the IN endpoint; a device on its way out stays so.
 void UsbPrinter::FlushIn() {

@@ -43,10 +43,11 @@
 
 #include "sim/printer_core.h"
 #include "sim/reply_plan.h"
+#include "sim/reply_transport.h"
 #include "sim/sim_log.h"
 #include "sim/usb/usb_script.h"
 
-class UsbPrinter {
+class UsbPrinter : private ReplyTransport {
  public:
   // The device as the script describes it; logs printer events to
   // printer_log and USB events to usb_log.
@@ -108,10 +109,14 @@ class UsbPrinter {
   // the transfer's time-out when the printer has hung.
   int Write(std::unique_lock<std::mutex>& lock, const uint8_t* data, int length,
             int* transferred, unsigned int timeout_ms);
-  // Queues one reply as packets, and the unplug if it ends in one.
-  void QueueReply(const ReplyPlan& plan);
   // Queues one piece of a reply as packets.
-  void QueuePiece(const uint8_t* data, size_t size);
+  void SendPiece(const uint8_t* data, size_t size) override;
+  // Queues the unplug after the pieces.
+  void ResetAfterPieces() override;
+  // Queues the unplug instead of a reply: the printer vanishes.
+  void CloseInstead() override;
+  // "device unplugs".
+  std::string ResetWords() const override;
   // Queues the unplug point.
   void QueueUnplug();
   // Drops the packets that wait on the IN endpoint (a reset).

@@ -57,9 +57,7 @@ bool set_usb_script_key(UsbScript* script, const std::string& key,
                                             "appear"};
   for (const char* device_key : kDeviceKeys)
     if (key == device_key) return set_device_key(script, key, value, why);
-  OptionTarget target;
-  target.scenario = &script->printer;
-  target.shape = &script->printer.every;
+  OptionTarget target = scenario_target(&script->printer);
   if (key == "reply") {
     long number = 0;
     std::string keys;

@@ -18,7 +18,7 @@ if [ "$(id -u)" != 0 ] && [ -z "${FAKEROOTKEY:-}" ] && command -v fakeroot >/dev
 fi
 
 build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 have_sim=$6 bin_dir=$7
-sim_lib_dir=${8:-}
+sim_lib_dir=${8:-} man_dir=$9
 work=$(mktemp -d /tmp/quillaroth-install.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -59,7 +59,9 @@ files_below() {
   local base=$1 component=${2:-all} args=()
   if [ "$component" != sim ]; then
     args+=(-rwxr-xr-x "$(staged "$serverbin/filter/commandtoquillaroth" "$base")"
-           -rw-r--r-- "$(staged "$doc_dir/quillaroth-command-filter.txt" "$base")")
+           -rw-r--r-- "$(staged "$doc_dir/quillaroth-command-filter.txt" "$base")"
+           -rwxr-xr-x "$(staged "$bin_dir/quillaroth" "$base")"
+           -rw-r--r-- "$(staged "$man_dir/man1/quillaroth.1" "$base")")
   fi
   if [ "$component" != filter ]; then
     args+=(-rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")")

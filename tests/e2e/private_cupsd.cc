@@ -178,7 +178,8 @@ bool PrivateCupsd::BuildTree(std::string* error) {
 
   // Loopback only, no browsing, no authentication: every operation is
   // allowed from 127.0.0.1, so lpadmin needs no certificate.  Jobs whose
-  // backend fails are aborted rather than stopping the queue.
+  // backend fails are aborted rather than stopping the queue.  Every
+  // request goes to access_log, where tests count them.
   std::string cupsd_conf =
       "LogLevel debug\n"
       "MaxLogSize 0\n"
@@ -188,6 +189,7 @@ bool PrivateCupsd::BuildTree(std::string* error) {
       "DefaultAuthType None\n"
       "ErrorPolicy abort-job\n"
       "PreserveJobHistory Yes\n"
+      "AccessLogLevel all\n"
       "<Location />\n"
       "  Order allow,deny\n"
       "  Allow from 127.0.0.1\n"
@@ -279,6 +281,17 @@ bool PrivateCupsd::WaitUntilAnswering(std::string* error) {
   *error = "cupsd did not answer on " + address() + " within 15 s:\n" +
            ErrorLog();
   return false;
+}
+
+bool PrivateCupsd::RestartWith(const std::string& lines, std::string* error) {
+  Stop();
+  std::string conf = root_ + "/etc/cupsd.conf";
+  if (!WriteFile(conf, ReadFile(conf) + lines, 0644)) {
+    *error = "cannot write " + conf;
+    return false;
+  }
+  Launch();
+  return WaitUntilAnswering(error);
 }
 
 void PrivateCupsd::Stop() {

@@ -53,6 +53,11 @@ class PrivateCupsd {
   std::string address() const;
   const std::string& root() const { return root_; }
 
+  // Restarts the scheduler with the same queues and LINES added to its
+  // cupsd.conf (for example a <Location> that asks for authentication).
+  // Returns false with a reason in *error.
+  bool RestartWith(const std::string& lines, std::string* error);
+
   // Links the system's CUPS backend NAME (for example "socket" or "usb",
   // from the server folder that cups-exec comes from) into the private
   // server folder, so that queues can use its scheme.  cupsd runs it as

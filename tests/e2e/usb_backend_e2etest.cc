@@ -67,20 +67,10 @@ double JobBound(const JobWaits& waits) {
 // The printer of most tests: 123 of 500 prints left on a PV-R31A(GX) sheet.
 SimPrinter Ribbon() { return SimPrinter().Total(500).Remaining(123); }
 
-// The script that makes the emulated printer this simulated one: its
-// simulator options as key=value lines (the option table gives both the
-// same names), then the device's own lines.
+// The script that makes the emulated printer this simulated one, then the
+// device's own lines.
 std::string Script(const SimPrinter& printer, const std::string& device = "") {
-  std::string script;
-  std::vector<std::string> options = printer.SimOptions();
-  for (size_t i = 0; i < options.size(); i++) {
-    std::string key = options[i].substr(2);
-    bool has_value = i + 1 < options.size() &&
-                     options[i + 1].compare(0, 2, "--") != 0 &&
-                     key.find('=') == std::string::npos;
-    script += has_value ? key + "=" + options[++i] + "\n" : key + "\n";
-  }
-  return script + device;
+  return printer.UsbScript() + device;
 }
 
 // A printer that could not be asked, as the queue shows it.
@@ -405,7 +395,9 @@ TEST_F(UsbBackendTest, BothCommandsInOneJobQueryTheirOwnReplies) {
 TEST_F(UsbBackendTest, PrinterUnpluggedInTheMiddleOfAReply) {
   int job = RunUnansweredJob("usb_unplug", Ribbon(), "reset=100\n");
   ASSERT_NE(0, job);
-  EXPECT_EQ(Queries(Ribbon(), 1), PrinterLines(job));
+  EXPECT_EQ(
+      Queries(Ribbon(), 1) + "sim: device unplugs after 100 of 192 bytes\n",
+      PrinterLines(job));
   EXPECT_EQ("usb: in 100 bytes (64+36)\n"
             "usb: unplugged\n",
             InTransfers(job));

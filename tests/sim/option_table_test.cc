@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -19,9 +20,31 @@
 
 namespace {
 
-// The README block that --print-table markdown writes lies between these.
-const char kTableStart[] = "<!-- quillaroth-sim --print-table markdown -->\n";
-const char kTableEnd[] = "<!-- end of quillaroth-sim --print-table -->\n";
+// A block of generated text in a file: it lies between these two lines.
+struct GeneratedBlock {
+  const char* path;
+  const char* start;
+  const char* end;
+  const char* format;  // what --print-table prints there
+};
+const GeneratedBlock kBlocks[] = {
+    {README_PATH, "<!-- quillaroth-sim --print-table markdown -->\n",
+     "<!-- end of quillaroth-sim --print-table -->\n", "markdown"},
+    {README_PATH, "<!-- quillaroth-sim --print-table uri-keys -->\n",
+     "<!-- end of quillaroth-sim --print-table uri-keys -->\n", "uri-keys"},
+    {MANPAGE_PATH,
+     ".\\\" quillaroth-sim --print-table man; a test checks that they are as "
+     "printed.\n",
+     ".\\\" End of the output of quillaroth-sim --print-table man.\n", "man"},
+};
+
+// The whole text of a file.
+std::string FileText(const char* path) {
+  std::ifstream in(path);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
 
 class OptionTableTest : public ::testing::Test {
  protected:
@@ -73,6 +96,32 @@ TEST_F(OptionTableTest, ReplyFieldsLieInsideTheReplyApart) {
       owner[field.offset + i] = static_cast<int>(row);
     }
   }
+}
+
+TEST_F(OptionTableTest, EveryDefaultIsAGoodValue) {
+  Scenario scenario;
+  for (const OptionSpec& option : option_table()) {
+    if (option.default_value[0] == '\0') continue;
+    std::string why;
+    EXPECT_TRUE(apply_option(option, option.name, option.default_value,
+                             scenario_target(&scenario), &why))
+        << why;
+  }
+}
+
+TEST_F(OptionTableTest, UnscriptedScenarioHasTheTableDefaults) {
+  Scenario scenario;
+  EXPECT_TRUE(scenario.bidi.answered);
+  EXPECT_EQ(CUPS_SC_STATUS_OK, scenario.bidi.status);
+  EXPECT_EQ(Bytes({0x01}), scenario.bidi_data);
+  EXPECT_TRUE(scenario.drain.answered);
+  EXPECT_EQ(CUPS_SC_STATUS_OK, scenario.drain.status);
+  EXPECT_EQ(0, scenario.wake_after);
+  EXPECT_EQ(0x00, scenario.fill);
+  EXPECT_EQ((std::array<uint8_t, 4>{0, 0, 0, 0}), scenario.job_status);
+  EXPECT_EQ(-1, scenario.close_sidechannel_at);
+  EXPECT_FALSE(scenario.hang);
+  EXPECT_EQ(DefaultInfoReply(), FirstReply(scenario));
 }
 
 TEST_F(OptionTableTest, SameKeysMakeTheSameReplyEverywhere) {
@@ -184,18 +233,64 @@ TEST_F(OptionTableTest, FaultsTableAsTheReadmeShowsIt) {
       tables.substr(start, end - start));
 }
 
-TEST_F(OptionTableTest, ReadmeHasTheTablesAsPrinted) {
-  std::ifstream in(README_PATH);
-  std::stringstream readme;
-  readme << in.rdbuf();
-  std::string text = readme.str();
-  size_t start = text.find(kTableStart);
-  size_t end = text.find(kTableEnd);
-  ASSERT_NE(std::string::npos, start) << "no table block in " << README_PATH;
-  ASSERT_NE(std::string::npos, end);
-  start += sizeof kTableStart - 1;
-  EXPECT_EQ(markdown_tables(), text.substr(start, end - start))
-      << "paste the output of quillaroth-sim --print-table markdown";
+TEST_F(OptionTableTest, FaultsAsTheManualPageShowsThem) {
+  std::string sections = man_sections();
+  size_t start = sections.find(".SS Faults\n");
+  size_t end = sections.find(".SS ", start + 1);
+  ASSERT_NE(std::string::npos, start);
+  EXPECT_EQ(
+      ".SS Faults\n"
+      ".TP\n"
+      "\\fB\\-\\-reset\\fR \\fIN\\fR\n"
+      "Send the reply's first N bytes, then reset the connection (over the "
+      "pipes: close the back channel). Key \\fBreset=N\\fR.\n"
+      ".TP\n"
+      "\\fB\\-\\-stall\\fR \\fIN\\fR\n"
+      "Send the reply's first N bytes, then hang: nothing more is sent or "
+      "read, and the connection stays open. Key \\fBstall=N\\fR.\n"
+      ".TP\n"
+      "\\fB\\-\\-hang\\fR\n"
+      "The printer hangs from the start: it reads and answers nothing (a "
+      "backend in front of it still answers the side channel). Key "
+      "\\fBhang\\fR (not in \\fB\\-\\-reply\\fR).\n",
+      sections.substr(start, end - start));
+}
+
+TEST_F(OptionTableTest, UriKeysAreTheScenarioKeys) {
+  std::istringstream table(uri_key_table());
+  std::string line;
+  std::getline(table, line);
+  EXPECT_EQ("| Key | Value | Meaning |", line);
+  std::getline(table, line);
+  size_t rows = 0;
+  while (std::getline(table, line)) rows++;
+  size_t keys = 0;
+  for (const OptionSpec& option : option_table())
+    if ((option.scope & kScenarioKey) != 0) keys++;
+  EXPECT_EQ(keys, rows);
+}
+
+TEST_F(OptionTableTest, DocumentsHaveTheTablesAsPrinted) {
+  for (const GeneratedBlock& block : kBlocks) {
+    SCOPED_TRACE(std::string(block.path) + ", " + block.format);
+    std::string text = FileText(block.path);
+    size_t start = text.find(block.start);
+    size_t end = text.find(block.end);
+    ASSERT_NE(std::string::npos, start) << "no block " << block.start;
+    ASSERT_NE(std::string::npos, end) << "no end " << block.end;
+    start += strlen(block.start);
+    EXPECT_EQ(printed_table(block.format), text.substr(start, end - start))
+        << "paste the output of quillaroth-sim --print-table "
+        << block.format;
+  }
+}
+
+TEST_F(OptionTableTest, EveryTableFormatIsPrinted) {
+  for (const char* format : kTableFormats) {
+    ASSERT_TRUE(CommandLine({"--print-table", format}));
+    EXPECT_EQ(format, settings_.print_table);
+  }
+  EXPECT_FALSE(CommandLine({"--print-table", "html"}));
 }
 
 }  // namespace

@@ -24,6 +24,8 @@ class PrinterCoreTest : public ::testing::Test {
     ASSERT_EQ("", ScriptUri(&scenario_, keys));
     printer_ = PrinterCore(scenario_);
   }
+  // The printer is switched on.
+  void Start() { Note(printer_.Start()); }
   // The host sends these bytes in one go.
   void Send(const std::string& bytes) {
     Note(printer_.Take(reinterpret_cast<const uint8_t*>(bytes.data()),
@@ -112,7 +114,9 @@ TEST_F(PrinterCoreTest, StalledPrinterHangsAfterItsReply) {
   Send(kWakeUp + kPrinterInfo + kPrinterInfo);
   Send(kJobStatus);
   End();
-  EXPECT_EQ("cmd 1b 45 57 55\ncmd 1b 56 32 31 => " + kDefaultInfo + "\n",
+  EXPECT_EQ("cmd 1b 45 57 55\n"
+            "cmd 1b 56 32 31 => " + kDefaultInfo + "\n"
+            "printer hangs after 100 of 192 bytes\n",
             Story());
   EXPECT_TRUE(printer_.hung());
 }
@@ -120,9 +124,10 @@ TEST_F(PrinterCoreTest, StalledPrinterHangsAfterItsReply) {
 TEST_F(PrinterCoreTest, HungPrinterTakesNothing) {
   Script("hang");
   EXPECT_TRUE(printer_.hung());
+  Start();
   Send(kWakeUp + kPrinterInfo);
   End();
-  EXPECT_EQ("", Story());
+  EXPECT_EQ("printer hangs: it reads and answers nothing\n", Story());
   EXPECT_EQ(0, printer_.info_queries());
 }
 

@@ -24,10 +24,22 @@ inline Bytes BytesOf(const std::string& text) {
   return Bytes(text.begin(), text.end());
 }
 
-// The printer-information reply of an unscripted printer (awake, no error,
-// ink sheet 84 10, 123 of 350 prints left, 00 everywhere else), as the
-// test kit describes it.
-inline Bytes DefaultInfoReply() { return BytesOf(SimPrinter().Reply(false)); }
+// The printer-information reply of an unscripted printer, written out by
+// hand: awake (power 00 at offset 5), no error (00 00 00 at 131-133), ink
+// sheet 84 10 at 145-146, 350 prints (01 5e at 148-149) with 123 left
+// (00 7b at 150-151), 00 everywhere else.  The simulator's tests compare
+// its replies with this, not with the test kit's SimPrinter, whose replies
+// are the simulator's own.
+inline Bytes DefaultInfoReply() {
+  Bytes reply(kInfoReplySize, 0x00);
+  reply[145] = 0x84;
+  reply[146] = 0x10;
+  reply[148] = 0x01;
+  reply[149] = 0x5e;
+  reply[150] = 0x00;
+  reply[151] = 0x7b;
+  return reply;
+}
 
 // The reply with `bytes` written from `offset` on.
 inline Bytes WithBytes(Bytes reply, size_t offset, const Bytes& bytes) {
@@ -38,11 +50,8 @@ inline Bytes WithBytes(Bytes reply, size_t offset, const Bytes& bytes) {
 // Applies scenario keys ("error=060202&wake-after=2"), as a device URI
 // does; on a bad key returns the complaint, else "".
 inline std::string ScriptUri(Scenario* scenario, const std::string& keys) {
-  OptionTarget target;
-  target.scenario = scenario;
-  target.shape = &scenario->every;
   std::string why;
-  apply_keys(keys, '&', kScenarioKey, target, &why);
+  apply_keys(keys, '&', kScenarioKey, scenario_target(scenario), &why);
   return why;
 }
 

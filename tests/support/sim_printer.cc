@@ -1,8 +1,12 @@
 #include "tests/support/sim_printer.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdio>
 
+#include "sim/option_table.h"
+#include "sim/reply_plan.h"
 #include "tests/support/expected_trace.h"
 
 namespace {
@@ -22,58 +26,80 @@ std::string CodeText(uint32_t code) {
   return text;
 }
 
-// The bytes of the value, width of them, big-endian, as hex pairs joined
-// by blanks ("06 02 02").
-std::string HexBytes(uint32_t value, int width) {
-  std::string text;
-  for (int i = width - 1; i >= 0; i--)
-    text += (text.empty() ? "" : " ") + Hex((value >> (8 * i)) & 0xff, 2);
-  return text;
+// What the simulator plans for the printer's first query, awake or
+// asleep: its reply, as every query's keys make it (the per-query and
+// run-wide faults, which SimAnswerLines() words, left aside).
+ReplyPlan FirstReply(const SimPrinter& printer, bool asleep) {
+  SimPrinter reply = printer;
+  reply.wake_after = asleep ? SimPrinter::kNeverWakes : 0;
+  reply.asleep_at.clear();
+  reply.fail_at = 0;
+  reply.close_back_at = 0;
+  Scenario scenario;
+  std::string keys;
+  for (const SimKey& key : reply.Keys())
+    keys += key.first + "=" + key.second + "&";
+  std::string why;
+  if (!apply_keys(keys, '&', kScenarioKey, scenario_target(&scenario), &why))
+    ADD_FAILURE() << "the simulator refuses " << keys << ": " << why;
+  return plan_info_reply(scenario, 1);
 }
 
 }  // namespace
 
-std::vector<std::string> SimPrinter::SimOptions() const {
-  std::vector<std::string> options = {"--power",     Hex(power, 2),
-                                      "--memory",    Hex(memory, 2),
-                                      "--mech",      Hex(mech, 4),
-                                      "--error",     Hex(error, 6),
-                                      "--sheet",     Hex(sheet, 4),
-                                      "--total",     std::to_string(total),
-                                      "--remaining", std::to_string(remaining),
-                                      "--fill",      Hex(fill, 2),
-                                      "--size",      std::to_string(size)};
+std::vector<SimKey> SimPrinter::Keys() const {
+  std::vector<SimKey> keys = {{"power", Hex(power, 2)},
+                              {"memory", Hex(memory, 2)},
+                              {"mech", Hex(mech, 4)},
+                              {"error", Hex(error, 6)},
+                              {"sheet", Hex(sheet, 4)},
+                              {"total", std::to_string(total)},
+                              {"remaining", std::to_string(remaining)},
+                              {"fill", Hex(fill, 2)},
+                              {"size", std::to_string(size)}};
   if (!split.empty()) {
     std::string pieces;
     for (size_t piece : split)
-      pieces += (pieces.empty() ? "" : ",") + std::to_string(piece);
-    options.insert(options.end(), {"--split", pieces});
+      pieces += (pieces.empty() ? "" : "+") + std::to_string(piece);
+    keys.push_back({"split", pieces});
   }
   if (wake_after != 0)
-    options.insert(options.end(),
-                   {"--wake-after", wake_after == kNeverWakes
-                                        ? std::string("never")
-                                        : std::to_string(wake_after)});
+    keys.push_back({"wake-after", wake_after == kNeverWakes
+                                      ? std::string("never")
+                                      : std::to_string(wake_after)});
   for (int query : asleep_at)
-    options.insert(options.end(),
-                   {"--reply", std::to_string(query) + ":power=01"});
-  if (fail_at != 0)
-    options.insert(options.end(), {"--fail-at", std::to_string(fail_at)});
-  if (close_back_at == kAtStart) options.push_back("--close-backchannel");
+    keys.push_back({"reply", std::to_string(query) + ":power=01"});
+  if (fail_at != 0) keys.push_back({"fail-at", std::to_string(fail_at)});
+  if (close_back_at == kAtStart) keys.push_back({"close-backchannel", "0"});
   if (close_back_at > 0)
-    options.push_back("--close-backchannel=" + std::to_string(close_back_at));
+    keys.push_back({"close-backchannel", std::to_string(close_back_at)});
+  return keys;
+}
+
+std::vector<std::string> SimPrinter::SimOptions() const {
+  std::vector<std::string> options;
+  for (const SimKey& key : Keys())
+    options.push_back("--" + key.first + "=" + key.second);
   return options;
 }
 
 std::string SimPrinter::DeviceUri(const std::string& queue) const {
-  std::string uri = "quillarothsim://" + queue +
-                    "?total=" + std::to_string(total) +
-                    "&remaining=" + std::to_string(remaining) +
-                    "&error=" + Hex(error, 6) + "&sheet=" + Hex(sheet, 4);
-  if (wake_after != 0)
-    uri += "&wake=" + (wake_after == kNeverWakes ? std::string("never")
-                                                 : std::to_string(wake_after));
+  std::string uri = "quillarothsim://" + queue;
+  for (const SimKey& key : Keys()) {
+    if (find_option(key.first, kScenarioKey) == nullptr)
+      ADD_FAILURE() << "a device URI cannot carry the key \"" << key.first
+                    << "\" (" << key.first << "=" << key.second << ")";
+    uri += (uri.find('?') == std::string::npos ? "?" : "&") + key.first +
+           "=" + key.second;
+  }
   return uri;
+}
+
+std::string SimPrinter::UsbScript() const {
+  std::string script;
+  for (const SimKey& key : Keys())
+    script += key.first + "=" + key.second + "\n";
+  return script;
 }
 
 bool SimPrinter::IsAsleepAt(int query) const {
@@ -104,21 +130,8 @@ std::string SimPrinter::SimAnswerLines(int query) const {
 }
 
 std::string SimPrinter::Reply(bool asleep) const {
-  std::string bytes(std::max<size_t>(size, 192), static_cast<char>(fill));
-  auto put = [&bytes](size_t offset, uint32_t value, int width) {
-    for (int i = 0; i < width; i++)
-      bytes[offset + i] =
-          static_cast<char>((value >> (8 * (width - 1 - i))) & 0xff);
-  };
-  put(4, memory, 1);
-  put(5, asleep ? 0x01 : power, 1);
-  put(128, mech, 2);
-  put(131, error, 3);
-  put(145, sheet, 2);
-  put(148, total, 2);
-  put(150, remaining, 2);
-  bytes.resize(size);
-  return bytes;
+  Bytes bytes = FirstReply(*this, asleep).bytes;
+  return std::string(bytes.begin(), bytes.end());
 }
 
 std::string SimPrinter::InfoLine(bool asleep) const {
@@ -134,32 +147,7 @@ std::string SimPrinter::InfoLine(bool asleep) const {
 }
 
 std::string SimPrinter::SimReplyLine(bool asleep) const {
-  std::string line = "sim: reply " + std::to_string(size) + " bytes";
-  std::vector<size_t> pieces;
-  size_t left = size;
-  for (size_t piece : split) {
-    if (left == 0) break;
-    pieces.push_back(std::min(piece, left));
-    left -= pieces.back();
-  }
-  if (left > 0) pieces.push_back(left);
-  if (pieces.size() > 1) {
-    line += " in pieces ";
-    for (size_t i = 0; i < pieces.size(); i++)
-      line += (i == 0 ? "" : ",") + std::to_string(pieces[i]);
-  }
-  auto field = [this](const char* name, size_t offset, int width,
-                      uint32_t value) {
-    return std::string(name) +
-           (size < offset + width ? " cut off" : " " + HexBytes(value, width));
-  };
-  line += ": " + field("power", 5, 1, asleep ? 0x01 : power) + ", " +
-          field("error", 131, 3, error) + ", " + field("sheet", 145, 2, sheet) +
-          ", ";
-  line += size < 152 ? "ribbon cut off"
-                     : "ribbon " + std::to_string(remaining) + "/" +
-                           std::to_string(total);
-  return line + "\n";
+  return "sim: " + describe_reply(FirstReply(*this, asleep)) + "\n";
 }
 
 std::string SimPrinter::LevelsLines(const std::string& level,

@@ -2,11 +2,15 @@
 //
 // A test states what the printer is (its power, error code, ink sheet,
 // ribbon counts, how long it sleeps, how its reply is cut) in this small
-// value type; the simulator's options, the backend's device URI, the reply
-// bytes, the filter's "printer_info" line and the simulator's log line of
-// each reply all come from it.  The defaults are those of the simulator
-// when nothing else is asked for: awake, no error, a PV-R31A(GX) ink sheet
-// (84 10) with 123 of 350 prints left, every other byte 00.
+// value type.  Keys() says it once, in the words of the simulator's option
+// table; the simulator's options, the backend's device URI and the USB
+// printer's script are joins of those keys, and the reply bytes and the
+// simulator's log line of each reply are what the simulator makes of them
+// (sim/reply_plan.h; the tests of the simulator check it against bytes
+// written by hand).  The filter's "printer_info" line is the test's own.
+// The defaults are those of the simulator when nothing else is asked for:
+// awake, no error, a PV-R31A(GX) ink sheet (84 10) with 123 of 350 prints
+// left, every other byte 00.
 
 #ifndef QUILLAROTH_TESTS_SUPPORT_SIM_PRINTER_H_
 #define QUILLAROTH_TESTS_SUPPORT_SIM_PRINTER_H_
@@ -14,7 +18,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
+
+// One key of the simulator's option table and its value: {"error",
+// "060202"}.
+using SimKey = std::pair<std::string, std::string>;
 
 struct SimPrinter {
   // wake_after for a printer that sleeps through every query.
@@ -55,11 +64,16 @@ struct SimPrinter {
   SimPrinter& FailAt(int v) { fail_at = v; return *this; }
   SimPrinter& CloseBackAt(int v) { close_back_at = v; return *this; }
 
-  // The quillaroth-sim options that make this printer.
+  // The printer as keys of the simulator's option table, in its order.
+  std::vector<SimKey> Keys() const;
+  // The quillaroth-sim options that make this printer: --KEY=VALUE.
   std::vector<std::string> SimOptions() const;
-  // The quillarothsim device URI of a queue for this printer (counts,
-  // error, sheet and sleep; the other fields keep their defaults).
+  // The quillarothsim device URI of a queue for this printer:
+  // quillarothsim://QUEUE?KEY=VALUE&...  A key that a device URI does not
+  // take (the per-query "reply" of AsleepAt) fails the test.
   std::string DeviceUri(const std::string& queue) const;
+  // The emulated USB printer's script: KEY=VALUE lines.
+  std::string UsbScript() const;
 
   // True when the Nth query (counted from 1 over the run) finds it asleep.
   bool IsAsleepAt(int query) const;
