@@ -90,7 +90,7 @@ bool IsCommandsLine(const std::string& body) {
 }
 
 // What CUPS reads in a PPD, through libcups.
-struct PpdFacts {
+struct PpdReading {
   // Set when libcups cannot read the PPD.
   std::optional<std::string> error;
   // The filter lines that CUPS uses: the *cupsFilter2 values when there is
@@ -107,8 +107,8 @@ struct PpdFacts {
 // does.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-PpdFacts ReadPpd(std::string_view text) {
-  PpdFacts facts;
+PpdReading ReadPpd(std::string_view text) {
+  PpdReading facts;
   // libcups reads PPDs from files only: hand it an unlinked temporary one.
   FILE* file = std::tmpfile();
   if (file == nullptr) {
@@ -186,7 +186,7 @@ bool IsOurProgram(const std::string& program) {
 // The program that CUPS runs for command jobs: the cheapest command
 // filter's ("" when the PPD names none; ours when ours is among the
 // cheapest).
-std::string CommandProgram(const PpdFacts& facts) {
+std::string CommandProgram(const PpdReading& facts) {
   std::optional<CommandFilter> best;
   for (const std::string& value : facts.filters) {
     std::optional<CommandFilter> filter =
@@ -268,7 +268,7 @@ std::string JoinWords(const std::vector<std::string>& words) {
 // words and ours when it has a *cupsCommands line, which then stays as a
 // "was" comment (CUPS reads the first such line; "none", no commands, gives
 // way to ours).  Says what it did.
-std::string AddCommands(const PpdFacts& facts, std::vector<Line>* lines,
+std::string AddCommands(const PpdReading& facts, std::vector<Line>* lines,
                         std::vector<std::string>* added) {
   const CommandFilterLines& ours = TheCommandFilterLines();
   if (!facts.commands) {
@@ -298,7 +298,7 @@ PpdEdit EnableCommandFilter(const std::string& ppd) {
   if (!search.error.empty()) return Refuse(ppd, search.error);
   if (search.block) return Unchanged(ppd, "already enabled by quillaroth");
 
-  PpdFacts facts = ReadPpd(ppd);
+  PpdReading facts = ReadPpd(ppd);
   if (facts.error) return Refuse(ppd, "libcups cannot read the PPD: " + *facts.error);
   std::string program = CommandProgram(facts);
   if (IsOurProgram(program))
@@ -342,7 +342,7 @@ PpdEdit EnableCommandFilter(const std::string& ppd) {
                "enabled: " + form + ", " + commands + ", " +
                    std::to_string(reasons) + " reason texts added"};
   // The edited PPD must still read, and run the filter.
-  PpdFacts after = ReadPpd(edit.text);
+  PpdReading after = ReadPpd(edit.text);
   if (after.error)
     return Refuse(ppd, "the edited PPD would not read: " + *after.error);
   if (!IsOurProgram(CommandProgram(after)))
@@ -377,12 +377,12 @@ PpdEdit DisableCommandFilter(const std::string& ppd) {
 }
 
 bool RunsCommandFilter(const std::string& ppd) {
-  PpdFacts facts = ReadPpd(ppd);
+  PpdReading facts = ReadPpd(ppd);
   return !facts.error && IsOurProgram(CommandProgram(facts));
 }
 
 std::map<std::string, std::string> ReasonTexts(const std::string& ppd) {
-  PpdFacts facts = ReadPpd(ppd);
+  PpdReading facts = ReadPpd(ppd);
   // PPD lines without a PPD's header, such as the fragment, read with one.
   if (facts.error) facts = ReadPpd(std::string(kMinimalHeader) + ppd);
   return facts.reasons;
