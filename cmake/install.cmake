@@ -133,7 +133,8 @@ if(TARGET quillaroth_usb_printer)
 endif()
 
 # Checks of the above: staged installs (DESTDIR and --prefix), the PPD under
-# cupstestppd, the PPD fragment.  The Debian packages are checked by
+# cupstestppd (the PPD fragment against the simulator's PPD is checked by
+# tests/admin).  The Debian packages are checked by
 # scripts/check-packaging.sh.
 if(BUILD_TESTING)
   set(_quillaroth_have_sim 0)
@@ -147,9 +148,6 @@ if(BUILD_TESTING)
       ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR}
       "$<$<TARGET_EXISTS:quillaroth_usb_printer>:${QUILLAROTH_SIM_LIBDIR}>"
       ${CMAKE_INSTALL_MANDIR})
-  add_test(NAME install.ppd_fragment
-    COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/ppd_fragment_test.sh
-      ${CMAKE_CURRENT_SOURCE_DIR})
-  set_tests_properties(install.staged_trees install.ppd_fragment
+  set_tests_properties(install.staged_trees
     PROPERTIES LABELS install TIMEOUT 300)
 endif()
