@@ -94,9 +94,9 @@ std::string LastErrorText() {
   if (status == IPP_STATUS_ERROR_FORBIDDEN ||
       status == IPP_STATUS_ERROR_NOT_AUTHORIZED ||
       status == IPP_STATUS_ERROR_CUPS_AUTHENTICATION_CANCELED)
-    return "the scheduler refused (" + std::string(ippErrorString(status)) +
-           "): changing a queue needs root or the scheduler's admin group "
-           "(SystemGroup in cups-files.conf, lpadmin on Debian)";
+    return "the scheduler did not allow it: changing a queue needs root or "
+           "the scheduler's admin group (SystemGroup in cups-files.conf, "
+           "lpadmin on Debian)";
   const char* text = cupsLastErrorString();
   return text != nullptr && *text ? text : ippErrorString(status);
 }

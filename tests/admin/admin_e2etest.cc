@@ -3,16 +3,148 @@
 #include <gtest/gtest.h>
 #include <cups/cups.h>
 
+
 #include <regex>
 #include <string>
 #include <vector>
 
 #include "tests/admin/admin_test.h"
+#include "tests/admin/ppd_shapes.h"
 #include "tests/support/files.h"
 #include "tests/support/sim_printer.h"
 #include "tests/support/subprocess.h"
 
 namespace {
+
+// The driver's print filter lines of the queues that enable changes.
+const std::string kJpegFilter =
+    std::string("*cupsFilter: \"image/jpeg 0 ") + kDriverFilter + "\"\n";
+const std::string kJpegFilter2 =
+    std::string("*cupsFilter2: \"image/jpeg application/vnd.vendor-raster 0 ") +
+    kDriverFilter + "\"\n";
+
+// What the filter reports for the simulated printer's default ribbon.
+constexpr char kDefaultRibbon[] =
+    "printer-state-reasons=none\n"
+    "marker-colors=#00FF00\n"
+    "marker-levels=35\n"
+    "marker-message=Ink Ribbon = 123 / 350\n"
+    "marker-names=InkSheetType: PV-R31A(GX) 13x18(5x7\xe2\x80\xb3)\n"
+    "marker-types=ink-ribbon\n";
+
+class EnableTest : public AdminTest {
+ protected:
+  // A queue on the simulated printer with PPD, its driver's filter
+  // installed; enable, then enable again, then disable: the print path of
+  // JPEG stays the scheduler's own, a command job reaches the printer
+  // through commandtoquillaroth, and disable gives back the PPD.
+  void EnableAndDisable(const std::string& queue, const std::string& ppd) {
+    InstallVendorFilter();
+    AddQueueWithPpd(queue, SimPrinter().DeviceUri(queue), ppd);
+    std::string original = Ppd(queue);
+    std::string print_path = PrintChain(queue, "image/jpeg");
+    EXPECT_NE(std::string::npos, print_path.find(kDriverFilter)) << print_path;
+
+    ProgramResult enable = Quillaroth({"enable", queue});
+    EXPECT_EQ(0, enable.status) << enable.Describe();
+    EXPECT_EQ(queue + ": enabled: its command jobs now run commandtoquillaroth "
+                      "('quillaroth refresh " + queue + "' asks the printer)\n",
+              enable.out);
+    std::string enabled = Ppd(queue);
+    EXPECT_NE(original, enabled);
+    EXPECT_EQ(print_path, PrintChain(queue, "image/jpeg"));
+
+    ProgramResult refresh = Quillaroth({"refresh", "--wait", queue});
+    EXPECT_EQ(0, refresh.status) << refresh.Describe();
+    EXPECT_EQ(kDefaultRibbon, cupsd().PrinterAttributes(queue));
+
+    ProgramResult again = Quillaroth({"enable", queue});
+    EXPECT_EQ(0, again.status);
+    EXPECT_EQ(queue + ": already enabled by quillaroth; nothing changed\n",
+              again.out);
+    EXPECT_EQ(enabled, Ppd(queue));
+
+    ProgramResult disable = Quillaroth({"disable", queue});
+    EXPECT_EQ(0, disable.status) << disable.Describe();
+    EXPECT_EQ(original, Ppd(queue));
+    EXPECT_EQ(print_path, PrintChain(queue, "image/jpeg"));
+  }
+};
+
+// The change as enable --dry-run shows it, written out: a PPD whose driver
+// names its filter with *cupsFilter gets the *cupsFilter form; nothing
+// changes on the scheduler.
+TEST_F(EnableTest, GoldenDryRun) {
+  AddQueueWithPpd("photo", SimPrinter().DeviceUri("photo"),
+                  std::string(kHeader) + kJpegFilter + kTrailer);
+  std::string original = Ppd("photo");
+  ProgramResult dry = Quillaroth({"enable", "--dry-run", "photo"});
+  EXPECT_EQ(0, dry.status) << dry.Describe();
+  EXPECT_EQ("", dry.err);
+  EXPECT_EQ(
+      "--- a/photo.ppd\n"
+      "+++ b/photo.ppd\n"
+      "@@ -12,3 +12,26 @@\n"
+      " *PSVersion: \"(3010.000) 0\"\n"
+      " *cupsFilter: \"image/jpeg 0 quillaroth-test-raster\"\n"
+      " *% End of vendor.ppd\n"
+      "+*% quillaroth enable: begin\n"
+      "+*cupsFilter: \"application/vnd.cups-command 0 commandtoquillaroth\"\n"
+      "+*cupsCommands: \"ReportLevels ReportStatus\"\n"
+      "+*cupsIPPReason com.quillaroth-error0001/Printer error 0001 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0002/Printer error 0002 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0003/Printer error 0003 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0004/Printer error 0004 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0005/Ink ribbon used up: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0006/Printer error 0006 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0007/Printer error 0007 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0008/Printer error 0008 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0009/Printer error 0009 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0010/Printer error 0010 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0011/Printer error 0011 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0012/Printer error 0012 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0013/Printer error 0013 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0014/Printer error 0014 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0018/Printer error 0018 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0020/Printer error 0020 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0021/Printer error 0021 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0022/Printer error 0022 - see the printer's panel: \"\"\n"
+      "+*cupsIPPReason com.quillaroth-error0023/Printer not reachable or unknown printer error: \"\"\n"
+      "+*% quillaroth enable: end\n",
+      dry.out);
+  EXPECT_EQ(original, Ppd("photo"));
+}
+
+TEST_F(EnableTest, OnlyCupsFilterLines) {
+  EnableAndDisable("filter", WholePpd(kJpegFilter));
+}
+
+TEST_F(EnableTest, WithCupsFilter2) {
+  EnableAndDisable("filter2", WholePpd(kJpegFilter2 + kJpegFilter));
+}
+
+TEST_F(EnableTest, WithItsOwnCupsCommands) {
+  EnableAndDisable("commands", WholePpd(kJpegFilter +
+                                        "*cupsCommands: \"AutoConfigure "
+                                        "Clean\"\n"));
+}
+
+// The simulator's PPD runs the filter already: enable changes nothing.
+TEST_F(EnableTest, AlreadyEnabled) {
+  AddSimQueue("sim", SimPrinter());
+  std::string original = Ppd("sim");
+  ProgramResult enable = Quillaroth({"enable", "sim"});
+  EXPECT_EQ(0, enable.status);
+  EXPECT_EQ(
+      "sim: the PPD already runs commandtoquillaroth for command jobs; "
+      "nothing changed\n",
+      enable.out);
+  EXPECT_EQ(original, Ppd("sim"));
+  ProgramResult disable = Quillaroth({"disable", "sim"});
+  EXPECT_EQ(0, disable.status);
+  EXPECT_EQ("sim: not enabled by quillaroth; nothing changed\n", disable.out);
+  EXPECT_EQ(original, Ppd("sim"));
+}
 
 // The whole table, written out: a printer with 120 of 350 prints left, one
 // that shows an error, and one whose levels were never read.
@@ -262,7 +394,7 @@ TEST_F(AdminTest, EnableRefusesClass) {
 // Without the right to change queues, enable says what it needs and the
 // queue keeps its PPD.
 TEST_F(AdminTest, EnableWithoutTheRightToChangeQueues) {
-  AddQueueWithPpd("photo", "socket://127.0.0.1:9", kPpdHead);
+  AddQueueWithPpd("photo", "socket://127.0.0.1:9", WholePpd(kJpegFilter));
   std::string before = Ppd("photo");
   std::string error;
   ASSERT_TRUE(cupsd().RestartWith("<Location /admin>\n"
@@ -276,7 +408,7 @@ TEST_F(AdminTest, EnableWithoutTheRightToChangeQueues) {
   ProgramResult enable = Quillaroth({"enable", "photo"});
   EXPECT_EQ(1, enable.status);
   EXPECT_EQ(
-      "quillaroth: cannot change photo: the scheduler refused (...): "
+      "quillaroth: cannot change photo: the scheduler did not allow it: "
       "changing a queue needs root or the scheduler's admin group "
       "(SystemGroup in cups-files.conf, lpadmin on Debian)\n",
       enable.err);

@@ -5,53 +5,17 @@
 #include <cstdlib>
 #include <regex>
 
+#include "tests/admin/ppd_shapes.h"
 #include "tests/support/files.h"
 
-const char kVendorFilter[] = "quillaroth-test-raster";
-
-const char kPpdHead[] =
-    "*PPD-Adobe: \"4.3\"\n"
-    "*FormatVersion: \"4.3\"\n"
-    "*FileVersion: \"1.0\"\n"
-    "*LanguageVersion: English\n"
-    "*LanguageEncoding: ISOLatin1\n"
-    "*PCFileName: \"QRTEST.PPD\"\n"
-    "*Manufacturer: \"Test\"\n"
-    "*Product: \"(Test Photo Printer)\"\n"
-    "*ModelName: \"Test Photo Printer\"\n"
-    "*ShortNickName: \"Test Photo Printer\"\n"
-    "*NickName: \"Test Photo Printer\"\n"
-    "*PSVersion: \"(3010.000) 0\"\n"
-    "*LanguageLevel: \"3\"\n"
-    "*ColorDevice: True\n"
-    "*DefaultColorSpace: RGB\n"
-    "*FileSystem: False\n"
-    "*Throughput: \"1\"\n"
-    "*LandscapeOrientation: Plus90\n"
-    "*TTRasterizer: Type42\n"
-    "*cupsVersion: 2.4\n"
-    "*cupsModelNumber: 0\n"
-    "*cupsManualCopies: True\n"
-    "*OpenUI *PageSize/Media Size: PickOne\n"
-    "*OrderDependency: 10 AnySetup *PageSize\n"
-    "*DefaultPageSize: w288h432\n"
-    "*PageSize w288h432/4x6: \"<</PageSize[288 432]>>setpagedevice\"\n"
-    "*CloseUI: *PageSize\n"
-    "*OpenUI *PageRegion/Media Size: PickOne\n"
-    "*OrderDependency: 10 AnySetup *PageRegion\n"
-    "*DefaultPageRegion: w288h432\n"
-    "*PageRegion w288h432/4x6: \"<</PageSize[288 432]>>setpagedevice\"\n"
-    "*CloseUI: *PageRegion\n"
-    "*DefaultImageableArea: w288h432\n"
-    "*ImageableArea w288h432/4x6: \"0 0 288 432\"\n"
-    "*DefaultPaperDimension: w288h432\n"
-    "*PaperDimension w288h432/4x6: \"288 432\"\n";
+const char kDriverFilter[] = "quillaroth-test-raster";
 
 std::string PrintingPpd() {
-  return std::string(kPpdHead) + "*cupsFilter: \"text/plain 0 " +
-         kVendorFilter + "\"\n"
-         "*cupsFilter: \"application/vnd.cups-command 0 commandtoquillaroth\"\n"
-         "*cupsCommands: \"ReportLevels ReportStatus\"\n";
+  return WholePpd(std::string("*cupsFilter: \"text/plain 0 ") + kDriverFilter +
+                  "\"\n"
+                  "*cupsFilter: \"application/vnd.cups-command 0 "
+                  "commandtoquillaroth\"\n"
+                  "*cupsCommands: \"ReportLevels ReportStatus\"\n");
 }
 
 ProgramResult AdminTest::Quillaroth(const std::vector<std::string>& args) {
@@ -93,7 +57,7 @@ void AdminTest::AddQueueWithPpd(const std::string& name, const std::string& uri,
 }
 
 void AdminTest::InstallVendorFilter() {
-  std::string path = cupsd().root() + "/bin/filter/" + kVendorFilter;
+  std::string path = cupsd().root() + "/bin/filter/" + kDriverFilter;
   ASSERT_TRUE(WriteFile(path, "#!/bin/sh\ncat >/dev/null\n", 0755));
 }
 

@@ -19,10 +19,8 @@
 
 // The print filter of a printer's own driver in the queues whose PPD enable
 // changes: it swallows the page data.
-extern const char kVendorFilter[];
-// The head of a printer's PPD, up to its filter lines.
-extern const char kPpdHead[];
-// The PPD of a printer whose driver prints text through kVendorFilter and
+extern const char kDriverFilter[];
+// The PPD of a printer whose driver prints text through kDriverFilter and
 // whose command jobs go to commandtoquillaroth (*cupsFilter lines).
 std::string PrintingPpd();
 
