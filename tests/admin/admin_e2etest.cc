@@ -380,6 +380,23 @@ TEST_F(AdminTest, EnableRefusesQueueWithoutPpd) {
       enable.err);
 }
 
+// A PPD that libcups cannot read (lpadmin checks what it hands over, so
+// this one was damaged where the scheduler keeps it) is refused with
+// libcups' reason.
+TEST_F(AdminTest, EnableRefusesBrokenPpd) {
+  AddQueueWithPpd("broken", "socket://127.0.0.1:9", WholePpd(kJpegFilter));
+  std::string before = "*PPD-Adobe: \"4.3\"\nHello\n" + kJpegFilter;
+  ASSERT_TRUE(
+      WriteFile(cupsd().root() + "/etc/ppd/broken.ppd", before, 0640));
+  ProgramResult enable = Quillaroth({"enable", "broken"});
+  EXPECT_EQ(1, enable.status);
+  EXPECT_EQ(
+      "quillaroth: broken: libcups cannot read the PPD: line 2: Missing "
+      "asterisk in column 1\n",
+      enable.err);
+  EXPECT_EQ(before, Ppd("broken"));
+}
+
 TEST_F(AdminTest, EnableRefusesClass) {
   AddSimQueue("member", SimPrinter());
   Admin({"lpadmin", "-p", "member", "-c", "booths"});
