@@ -51,14 +51,32 @@ relations() {
     sed 's/\(lib[^ ,]*\) ([^)]*)/\1/g'
 }
 
-# The packages of the shared libraries that the package's ELF files need,
-# as dpkg-shlibdeps names them on this machine ("libcups2" on Debian 12,
-# "libcups2t64" on Debian 13), comma-separated, without version bounds.
+# The ELF files that the package installs (as built in its debian/ folder),
+# one per line.
+elf_files() {
+  find "$tree/debian/$1" -type f -print0 | xargs -0 file -N -0 |
+    awk -F'\0' '$2 ~ /ELF/ {print $1}' | sort
+}
+
+# The shared libraries that the package's ELF files name (NEEDED), one per
+# line, without the dynamic loader, whose name is the architecture's (the
+# programs' interpreter).
+needed_libraries() {
+  local files loader
+  mapfile -t files < <(elf_files "$1")
+  loader=$(readelf -lW "${files[@]}" 2>/dev/null |
+             sed -n 's|.*Requesting program interpreter: .*/\([^/]*\)]$|\1|p' | sort -u)
+  objdump -p "${files[@]}" | awk -v loader="$loader" '$1 == "NEEDED" && $2 != loader {print $2}' |
+    sort -u
+}
+
+# The packages of those libraries as dpkg-shlibdeps names them on this
+# machine ("libcups2" on Debian 12, "libcups2t64" on Debian 13),
+# comma-separated, without version bounds.
 library_packages() {
   local files
-  mapfile -t files < <(find "$tree/debian/$1" -type f -print0 |
-                         xargs -0 file -N -0 | awk -F'\0' '$2 ~ /ELF/ {print $1}' | sort)
-  (cd "$tree" && dpkg-shlibdeps -O -xquillaroth-sim "${files[@]}" 2>/dev/null) |
+  mapfile -t files < <(elf_files "$1")
+  (cd "$tree" && dpkg-shlibdeps -O "${files[@]}" 2>/dev/null) |
     sed -e 's/^shlibs:Depends=//' -e 's/ ([^)]*)//g'
 }
 
@@ -119,6 +137,9 @@ drwxr-xr-x root/root ./usr/share/doc/printer-driver-quillaroth/examples/
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/examples/commands.txt
 -rw-r--r-- root/root ./usr/share/doc/printer-driver-quillaroth/quillaroth-command-filter.txt" \
   "$(contents printer-driver-quillaroth)"
+check "printer-driver-quillaroth: shared libraries" "libc.so.6
+libcups.so.2
+libgcc_s.so.1" "$(needed_libraries printer-driver-quillaroth)"
 check "printer-driver-quillaroth: relations" "Depends: $(library_packages printer-driver-quillaroth)
 Recommends: cups-daemon" "$(relations printer-driver-quillaroth)"
 
@@ -145,6 +166,10 @@ drwxr-xr-x root/root ./usr/share/ppd/
 drwxr-xr-x root/root ./usr/share/ppd/quillaroth/
 -rw-r--r-- root/root ./usr/share/ppd/quillaroth/quillaroth-sim.ppd" \
   "$(contents quillaroth-sim)"
+check "quillaroth-sim: shared libraries" "libc.so.6
+libcups.so.2
+libgcc_s.so.1
+libstdc++.so.6" "$(needed_libraries quillaroth-sim)"
 check "quillaroth-sim: relations" \
   "Depends: printer-driver-quillaroth (= $version), $(library_packages quillaroth-sim)" \
   "$(relations quillaroth-sim)"
