@@ -30,21 +30,7 @@ if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
   set(CMAKE_INSTALL_PREFIX /usr CACHE PATH "Install path prefix" FORCE)
 endif()
 
-# Asks cups-config for the server directory; /usr/lib/cups when it cannot.
-set(_quillaroth_serverbin /usr/lib/cups)
-find_program(QUILLAROTH_CUPS_CONFIG cups-config)
-if(QUILLAROTH_CUPS_CONFIG)
-  execute_process(COMMAND ${QUILLAROTH_CUPS_CONFIG} --serverbin
-    OUTPUT_VARIABLE _quillaroth_out
-    RESULT_VARIABLE _quillaroth_rc
-    OUTPUT_STRIP_TRAILING_WHITESPACE
-    ERROR_QUIET)
-  if(_quillaroth_rc EQUAL 0 AND _quillaroth_out)
-    set(_quillaroth_serverbin ${_quillaroth_out})
-  endif()
-endif()
-set(QUILLAROTH_CUPS_SERVERBIN ${_quillaroth_serverbin} CACHE PATH
-  "CUPS server directory (its filter/ and backend/ folders)")
+# The server directory is QUILLAROTH_CUPS_SERVERBIN (cmake/cups_dirs.cmake).
 set(QUILLAROTH_PPD_DIR /usr/share/ppd/quillaroth CACHE PATH
   "Folder for the PPD files of the queues")
 # A relative folder lies below the install prefix.
@@ -90,33 +76,29 @@ install(TARGETS quillaroth-admin
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   PERMISSIONS ${_quillaroth_program_mode}
   COMPONENT filter)
-install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/admin/quillaroth.1
+install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/admin/quillaroth.1"
   DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
   PERMISSIONS ${_quillaroth_data_mode}
   COMPONENT filter)
 
 # The lines to paste into the PPD of a real printer's queue.
-install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-command-filter.txt
+install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-command-filter.txt"
   DESTINATION ${QUILLAROTH_DOC_DEST}
   PERMISSIONS ${_quillaroth_data_mode}
   COMPONENT filter)
 
 # The sim component.
-if(TARGET quillaroth-sim)
-  install(TARGETS quillaroth-sim
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    PERMISSIONS ${_quillaroth_program_mode}
-    COMPONENT sim)
-endif()
+install(TARGETS quillaroth-sim
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  PERMISSIONS ${_quillaroth_program_mode}
+  COMPONENT sim)
 
-if(TARGET quillarothsim)
-  install(TARGETS quillarothsim
-    RUNTIME DESTINATION ${QUILLAROTH_SERVERBIN_DEST}/backend
-    PERMISSIONS ${_quillaroth_program_mode}
-    COMPONENT sim)
-endif()
+install(TARGETS quillarothsim
+  RUNTIME DESTINATION ${QUILLAROTH_SERVERBIN_DEST}/backend
+  PERMISSIONS ${_quillaroth_program_mode}
+  COMPONENT sim)
 
-install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-sim.ppd
+install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-sim.ppd"
   DESTINATION ${QUILLAROTH_PPD_DEST}
   PERMISSIONS ${_quillaroth_data_mode}
   COMPONENT sim)
@@ -126,28 +108,21 @@ install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/ppd/quillaroth-sim.ppd
 # sim component too, in a private folder of its own where no other
 # program's library search finds it.
 set(QUILLAROTH_SIM_LIBDIR lib/quillaroth-sim)
-if(TARGET quillaroth_usb_printer)
-  install(TARGETS quillaroth_usb_printer
-    LIBRARY DESTINATION ${QUILLAROTH_SIM_LIBDIR} NAMELINK_SKIP
-    COMPONENT sim)
-endif()
+install(TARGETS quillaroth_usb_printer
+  LIBRARY DESTINATION ${QUILLAROTH_SIM_LIBDIR} NAMELINK_SKIP
+  COMPONENT sim)
 
 # Checks of the above: staged installs (DESTDIR and --prefix), the PPD under
 # cupstestppd (the PPD fragment against the simulator's PPD is checked by
 # tests/admin).  The Debian packages are checked by
 # scripts/check-packaging.sh.
 if(BUILD_TESTING)
-  set(_quillaroth_have_sim 0)
-  if(TARGET quillarothsim AND TARGET quillaroth-sim)
-    set(_quillaroth_have_sim 1)
-  endif()
   add_test(NAME install.staged_trees
-    COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/install_test.sh
-      ${CMAKE_BINARY_DIR} ${CMAKE_INSTALL_PREFIX}
-      ${QUILLAROTH_SERVERBIN_DEST} ${QUILLAROTH_PPD_DEST}
-      ${QUILLAROTH_DOC_DEST} ${_quillaroth_have_sim} ${CMAKE_INSTALL_BINDIR}
-      "$<$<TARGET_EXISTS:quillaroth_usb_printer>:${QUILLAROTH_SIM_LIBDIR}>"
-      ${CMAKE_INSTALL_MANDIR})
+    COMMAND bash "${CMAKE_CURRENT_SOURCE_DIR}/tests/e2e/install_test.sh"
+      "${CMAKE_BINARY_DIR}" "${CMAKE_INSTALL_PREFIX}"
+      "${QUILLAROTH_SERVERBIN_DEST}" "${QUILLAROTH_PPD_DEST}"
+      "${QUILLAROTH_DOC_DEST}" "${CMAKE_INSTALL_BINDIR}"
+      "${QUILLAROTH_SIM_LIBDIR}" "${CMAKE_INSTALL_MANDIR}")
   set_tests_properties(install.staged_trees
     PROPERTIES LABELS install TIMEOUT 300)
 endif()

@@ -14,8 +14,8 @@ const char* to_string(cups_sc_status_e value) {
     case CUPS_SC_STATUS_BAD_MESSAGE: return "CUPS_SC_STATUS_BAD_MESSAGE";
     case CUPS_SC_STATUS_TOO_BIG: return "CUPS_SC_STATUS_TOO_BIG";
     case CUPS_SC_STATUS_NOT_IMPLEMENTED: return "CUPS_SC_STATUS_NOT_IMPLEMENTED";
+    default: return "UNKNOWN";
   }
-  return "UNKNOWN";
 }
 
 const char* to_string(cups_adv_e value) {
@@ -26,9 +26,10 @@ const char* to_string(cups_adv_e value) {
     case CUPS_ADVANCE_JOB: return "CUPS_ADVANCE_JOB";
     case CUPS_ADVANCE_SET: return "CUPS_ADVANCE_SET";
     case CUPS_ADVANCE_PAGE: return "CUPS_ADVANCE_PAGE";
+    default:
+      sprintf(no_name, "cups_adv_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_adv_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_bool_e value) {
@@ -36,9 +37,10 @@ const char* to_string(cups_bool_e value) {
   switch (raw_value(value)) {
     case CUPS_FALSE: return "CUPS_FALSE";
     case CUPS_TRUE: return "CUPS_TRUE";
+    default:
+      sprintf(no_name, "cups_bool_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_bool_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_cspace_e value) {
@@ -95,9 +97,10 @@ const char* to_string(cups_cspace_e value) {
     case CUPS_CSPACE_DEVICED: return "CUPS_CSPACE_DEVICED";
     case CUPS_CSPACE_DEVICEE: return "CUPS_CSPACE_DEVICEE";
     case CUPS_CSPACE_DEVICEF: return "CUPS_CSPACE_DEVICEF";
+    default:
+      sprintf(no_name, "cups_cspace_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_cspace_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_cut_e value) {
@@ -108,9 +111,10 @@ const char* to_string(cups_cut_e value) {
     case CUPS_CUT_JOB: return "CUPS_CUT_JOB";
     case CUPS_CUT_SET: return "CUPS_CUT_SET";
     case CUPS_CUT_PAGE: return "CUPS_CUT_PAGE";
+    default:
+      sprintf(no_name, "cups_cut_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_cut_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_edge_e value) {
@@ -120,9 +124,10 @@ const char* to_string(cups_edge_e value) {
     case CUPS_EDGE_RIGHT: return "CUPS_EDGE_RIGHT";
     case CUPS_EDGE_BOTTOM: return "CUPS_EDGE_BOTTOM";
     case CUPS_EDGE_LEFT: return "CUPS_EDGE_LEFT";
+    default:
+      sprintf(no_name, "cups_edge_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_edge_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_jog_e value) {
@@ -132,9 +137,10 @@ const char* to_string(cups_jog_e value) {
     case CUPS_JOG_FILE: return "CUPS_JOG_FILE";
     case CUPS_JOG_JOB: return "CUPS_JOG_JOB";
     case CUPS_JOG_SET: return "CUPS_JOG_SET";
+    default:
+      sprintf(no_name, "cups_jog_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_jog_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_order_e value) {
@@ -143,9 +149,10 @@ const char* to_string(cups_order_e value) {
     case CUPS_ORDER_CHUNKED: return "CUPS_ORDER_CHUNKED";
     case CUPS_ORDER_BANDED: return "CUPS_ORDER_BANDED";
     case CUPS_ORDER_PLANAR: return "CUPS_ORDER_PLANAR";
+    default:
+      sprintf(no_name, "cups_order_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_order_e(%d)", raw_value(value));
-  return no_name;
 }
 
 const char* to_string(cups_orient_e value) {
@@ -155,7 +162,8 @@ const char* to_string(cups_orient_e value) {
     case CUPS_ORIENT_90: return "CUPS_ORIENT_90";
     case CUPS_ORIENT_180: return "CUPS_ORIENT_180";
     case CUPS_ORIENT_270: return "CUPS_ORIENT_270";
+    default:
+      sprintf(no_name, "cups_orient_e(%d)", raw_value(value));
+      return no_name;
   }
-  sprintf(no_name, "cups_orient_e(%d)", raw_value(value));
-  return no_name;
 }

@@ -12,7 +12,7 @@ void withdraw_reasons(const char* value) {
   if (value == nullptr || value[0] == '\0') return;
   char* copy = strdup(value);
   if (copy == nullptr) return;
-  for (char* reason = strtok(copy, ","); reason != nullptr;
+  for (const char* reason = strtok(copy, ","); reason != nullptr;
        reason = strtok(nullptr, ","))
     fprintf(stderr, "STATE: -%s\n", reason);
   free(copy);

@@ -51,6 +51,35 @@ relations() {
     sed 's/\(lib[^ ,]*\) ([^)]*)/\1/g'
 }
 
+# The ELF files that the package installs (as built in its debian/ folder),
+# one per line.
+elf_files() {
+  find "$tree/debian/$1" -type f -print0 | xargs -0 file -N -0 |
+    awk -F'\0' '$2 ~ /ELF/ {print $1}' | sort
+}
+
+# The shared libraries that the package's ELF files name (NEEDED), one per
+# line, without the dynamic loader, whose name is the architecture's (the
+# programs' interpreter).
+needed_libraries() {
+  local files loader
+  mapfile -t files < <(elf_files "$1")
+  loader=$(readelf -lW "${files[@]}" 2>/dev/null |
+             sed -n 's|.*Requesting program interpreter: .*/\([^/]*\)]$|\1|p' | sort -u)
+  objdump -p "${files[@]}" | awk -v loader="$loader" '$1 == "NEEDED" && $2 != loader {print $2}' |
+    sort -u
+}
+
+# The packages of those libraries as dpkg-shlibdeps names them on this
+# machine ("libcups2" on Debian 12, "libcups2t64" on Debian 13),
+# comma-separated, without version bounds.
+library_packages() {
+  local files
+  mapfile -t files < <(elf_files "$1")
+  (cd "$tree" && dpkg-shlibdeps -O "${files[@]}" 2>/dev/null) |
+    sed -e 's/^shlibs:Depends=//' -e 's/ ([^)]*)//g'
+}
+
 for package in "${kPackages[@]}"; do
   if dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
     echo "check-packaging: $package is installed here, and this check installs and removes its own build; first: sudo apt-get purge ${kPackages[*]}"
@@ -129,7 +158,11 @@ drwxr-xr-x root/root ./usr/share/man/man1/
 check "printer-driver-quillaroth: files" \
   "$(printf '%s\n' "$driver_files" "$units" | LC_ALL=C sort -k3,3 -u)" \
   "$(contents printer-driver-quillaroth)"
-check "printer-driver-quillaroth: relations" "Depends: libc6, libcups2, libgcc-s1, libstdc++6
+check "printer-driver-quillaroth: shared libraries" "libc.so.6
+libcups.so.2
+libgcc_s.so.1
+libstdc++.so.6" "$(needed_libraries printer-driver-quillaroth)"
+check "printer-driver-quillaroth: relations" "Depends: $(library_packages printer-driver-quillaroth)
 Recommends: cups-daemon" "$(relations printer-driver-quillaroth)"
 
 check "quillaroth-sim: files" "drwxr-xr-x root/root ./
@@ -155,8 +188,12 @@ drwxr-xr-x root/root ./usr/share/ppd/
 drwxr-xr-x root/root ./usr/share/ppd/quillaroth/
 -rw-r--r-- root/root ./usr/share/ppd/quillaroth/quillaroth-sim.ppd" \
   "$(contents quillaroth-sim)"
+check "quillaroth-sim: shared libraries" "libc.so.6
+libcups.so.2
+libgcc_s.so.1
+libstdc++.so.6" "$(needed_libraries quillaroth-sim)"
 check "quillaroth-sim: relations" \
-  "Depends: printer-driver-quillaroth (= $version), libc6, libcups2, libgcc-s1, libstdc++6" \
+  "Depends: printer-driver-quillaroth (= $version), $(library_packages quillaroth-sim)" \
   "$(relations quillaroth-sim)"
 
 # autopkgtest installs the packages (and what the tests depend on) on this

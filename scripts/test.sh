@@ -61,7 +61,7 @@ needed build scripts/build.sh build
 # The CTest suite; its own summary line gives the counts.
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-run_ctest() { (cd build && ctest --output-on-failure -j "$build_jobs") | tee "$log"; }
+run_ctest() { (cd build && ctest --output-on-failure -j "$check_jobs") | tee "$log"; }
 status=0
 stage ctest run_ctest || status=$?
 summary=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -1 || true)

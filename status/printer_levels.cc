@@ -31,11 +31,13 @@ std::string PrinterLevels::InkSheetTypeName() const {
       return "PV-R32A 15x20(6x8\u2033)";
     case 0x8F10:
       return "PV-R32A(GX) 15x20(6x8\u2033)";
+    default: {
+      // An unknown sheet: the first byte alone says the most about it.
+      char text[8];
+      snprintf(text, sizeof(text), "%02x", ink_sheet_type[0]);
+      return text;
+    }
   }
-  // An unknown sheet: the first byte alone says the most about it.
-  char text[8];
-  snprintf(text, sizeof(text), "%02x", ink_sheet_type[0]);
-  return text;
 }
 
 std::string PrinterLevels::to_string() const {

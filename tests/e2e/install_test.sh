@@ -4,10 +4,10 @@
 # with what CUPS needs; then runs cupstestppd on the installed PPD, which
 # also checks that the filter named by the PPD is installed where CUPS
 # looks for it.
-# Usage: install_test.sh BUILD_DIR PREFIX SERVERBIN_DEST PPD_DEST DOC_DEST HAVE_SIM BIN_DEST [SIM_LIB_DEST]
+# Usage: install_test.sh BUILD_DIR PREFIX SERVERBIN_DEST PPD_DEST DOC_DEST BIN_DEST SIM_LIB_DEST
+#                        MAN_DEST
 # (the *_DEST folders as the install rules name them: relative to the
-# prefix, or absolute; SIM_LIB_DEST is the emulated USB printer's folder,
-# "" or left out when the build has none).
+# prefix, or absolute; SIM_LIB_DEST is the emulated USB printer's folder).
 set -euo pipefail
 
 # cupstestppd wants the filter that the PPD names to be owned by root.  A
@@ -17,8 +17,8 @@ if [ "$(id -u)" != 0 ] && [ -z "${FAKEROOTKEY:-}" ] && command -v fakeroot >/dev
   exec fakeroot -- bash "$0" "$@"
 fi
 
-build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 have_sim=$6 bin_dir=$7
-sim_lib_dir=${8:-} man_dir=$9
+build=$1 prefix=$2 serverbin=$3 ppd_dir=$4 doc_dir=$5 bin_dir=$6 sim_lib_dir=$7
+man_dir=$8
 work=$(mktemp -d /tmp/quillaroth-install.XXXXXX)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -64,14 +64,10 @@ files_below() {
            -rw-r--r-- "$(staged "$man_dir/man1/quillaroth.1" "$base")")
   fi
   if [ "$component" != filter ]; then
-    args+=(-rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")")
-    if [ "$have_sim" = 1 ]; then
-      args+=(-rwxr-xr-x "$(staged "$serverbin/backend/quillarothsim" "$base")"
-             -rwxr-xr-x "$(staged "$bin_dir/quillaroth-sim" "$base")")
-    fi
-    if [ -n "$sim_lib_dir" ]; then
-      args+=(-rw-r--r-- "$(staged "$sim_lib_dir/libusb-1.0.so.0" "$base")")
-    fi
+    args+=(-rw-r--r-- "$(staged "$ppd_dir/quillaroth-sim.ppd" "$base")"
+           -rwxr-xr-x "$(staged "$serverbin/backend/quillarothsim" "$base")"
+           -rwxr-xr-x "$(staged "$bin_dir/quillaroth-sim" "$base")"
+           -rw-r--r-- "$(staged "$sim_lib_dir/libusb-1.0.so.0" "$base")")
   fi
   expected_listing "${args[@]}"
 }

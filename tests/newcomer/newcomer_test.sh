@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # The suite where a newcomer puts it: copies the checkout (the files git
 # tracks and the new ones it does not ignore, with their uncommitted
-# changes) to a folder whose path has a blank and non-ASCII letters, below a
-# private folder (mode 0700, owned by the user running the test, as a home
-# folder is), builds there what the integration tests need (the filter, the
-# simulated printer, the sleep interposer, integration_tests) and runs a few
-# of them there: the ones that preload libraries by path into the filter,
-# and the one that runs the filter as "nobody" when run as root.
+# changes) to a folder whose path holds what a shell, a glob or a quoted
+# string would read as syntax (blanks, quotes, parentheses, "&", "$",
+# brackets) and non-ASCII letters, below a private folder (mode 0700, owned
+# by the user running the test, as a home folder is), builds there what
+# the integration tests need (the filter, the simulated printer, the sleep
+# interposer, integration_tests) and runs a few of them there: the ones
+# that preload libraries by path into the filter, and the one that runs the
+# filter as "nobody" when run as root.
 #
 # Prints its progress with the time.  Takes about 35 s on two cores (a Debug
 # build of about 30 s, then 8 tests; a minute more when the sleep interposer
@@ -32,7 +34,7 @@ rm -f "$list.err"
 
 top=$(mktemp -d /tmp/quillaroth-newcomer.XXXXXX)
 chmod 700 "$top"
-checkout="$top/Mon dossier/réplique é"
+checkout="$top/Mon dossier/l'essai (v2) & \$HOME [x]/réplique é"
 cleanup() {
   rm -f "$list"
   if [ "${QUILLAROTH_NEWCOMER_KEEP:-0}" = 1 ]; then
