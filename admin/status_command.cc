@@ -28,10 +28,6 @@ bool ColourWanted() {
 
 }  // namespace
 
-void Complain(const std::string& line) {
-  fprintf(stderr, "quillaroth: %s\n", line.c_str());
-}
-
 int RunStatus(const Invocation& invocation, Scheduler& scheduler) {
   std::vector<Queue> queues;
   std::vector<std::string> notes;
