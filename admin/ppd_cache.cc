@@ -2,11 +2,12 @@
 
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 #include <vector>
+
+#include "admin/atomic_file.h"
 
 namespace {
 
@@ -129,13 +130,6 @@ void PpdCache::Save() const {
     for (const auto& [keyword, reason] : entry.facts.reason_texts)
       text << "R\t" << OneField(keyword) << "\t" << OneField(reason) << "\n";
   }
-  std::string temporary = path_ + ".tmp-XXXXXX";
-  int fd = mkstemp(&temporary[0]);
-  if (fd < 0) return;
-  std::string bytes = text.str();
-  bool written = write(fd, bytes.data(), bytes.size()) ==
-                 static_cast<ssize_t>(bytes.size());
-  close(fd);
-  if (!written || rename(temporary.c_str(), path_.c_str()) != 0)
-    unlink(temporary.c_str());
+  std::string error;
+  WriteFileAtomically(path_, text.str(), &error);
 }
