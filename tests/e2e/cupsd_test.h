@@ -48,11 +48,6 @@ constexpr double kRetrySleep = 1.0;
 // Starting the filter and the backend, and the scheduler noticing the
 // job's end (0.1 to 0.3 s when the machine is idle; it is shared).
 constexpr double kSchedulerSlack = 3.0;
-// How much longer than its bound a job is waited for, so that a slow job is
-// reported with its time rather than as "still processing".
-constexpr double kJobWaitLimit = 30.0;
-// The bound of a command job whose test states none (RunCommandJob).
-constexpr double kCommandJobBound = 30.0;
 
 // How a command job went: its id (0 when it could not be submitted), the
 // last job-state seen and the seconds from its submission to its end.
@@ -61,6 +56,12 @@ struct JobRun {
   int state = 0;
   double seconds = 0;
 };
+
+// How much longer than its bound a job is waited for, so that a slow job is
+// reported with its time rather than as "still processing".
+constexpr double kJobWaitLimit = 30.0;
+// The bound of a command job whose test states none (RunCommandJob).
+constexpr double kCommandJobBound = 30.0;
 
 // The GoogleTest environment that stops the shared scheduler at the end.
 class CupsdEnvironment : public ::testing::Environment {
