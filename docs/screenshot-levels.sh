@@ -90,63 +90,21 @@ cleanup() {
 trap cleanup EXIT
 trap 'exit 130' INT TERM
 
-# A loopback port that is free right now.
-free_port() {
-  /usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
-}
-
 say "private CUPS tree in $root"
-# The lp user must reach the filter, the backend and the spooled files.
-chmod 755 "$root"
-mkdir -p "$root"/{etc/ppd,spool,tmp,cache,state,log,bin/filter,bin/backend,bin/daemon}
+# The scheduler of the end-to-end tests, with the filter and CUPS' own
+# socket backend in a server folder of its own.
+source tests/e2e/private_cupsd.sh
+mkdir -p "$root"/{bin/filter,bin/backend,bin/daemon}
 install -m 0755 build/commandtoquillaroth "$root/bin/filter/commandtoquillaroth"
 serverbin=$(cups-config --serverbin 2>/dev/null || echo /usr/lib/cups)
+datadir=$(cups-config --datadir 2>/dev/null || echo /usr/share/cups)
 ln -s "$serverbin/backend/socket" "$root/bin/backend/socket"
 ln -s "$serverbin/daemon/cups-exec" "$root/bin/daemon/cups-exec"
-port=$(free_port)
-# Loopback only, no browsing, no authentication: every operation is allowed
-# from 127.0.0.1.
-cat > "$root/etc/cupsd.conf" <<EOF
-LogLevel debug
-MaxLogSize 0
-Listen 127.0.0.1:$port
-Browsing No
-WebInterface No
-DefaultAuthType None
-ErrorPolicy abort-job
-<Location />
-  Order allow,deny
-  Allow from 127.0.0.1
-</Location>
-<Policy default>
-  <Limit All>
-    Order deny,allow
-  </Limit>
-</Policy>
-EOF
-cat > "$root/etc/cups-files.conf" <<EOF
-ServerRoot $root/etc
-RequestRoot $root/spool
-TempDir $root/tmp
-CacheDir $root/cache
-StateDir $root/state
-ServerBin $root/bin
-DataDir /usr/share/cups
-ErrorLog $root/log/error_log
-AccessLog $root/log/access_log
-PageLog $root/log/page_log
-User lp
-Group lp
-SystemGroup root
-EOF
-
-say "starting cupsd on 127.0.0.1:$port"
-/usr/sbin/cupsd -f -c "$root/etc/cupsd.conf" -s "$root/etc/cups-files.conf" \
-  >"$root/log/cupsd.out" 2>&1 &
-pids+=($!)
-export CUPS_SERVER=127.0.0.1:$port
-cupsd_answers() { lpstat -r >/dev/null 2>&1; }
-wait_until cupsd_answers || not_started "$root/log/cupsd.out" cupsd
+say "starting cupsd"
+private_cupsd_start "$root" "$root/bin" "$datadir" || not_started /dev/null cupsd
+pids+=("$private_cupsd_pid")
+export CUPS_SERVER=$private_cupsd_server
+say "cupsd answers on $CUPS_SERVER"
 
 say "starting the simulated printer: quillaroth-sim --listen 127.0.0.1:0 --total $total --remaining $remaining --sheet $sheet"
 build/sim/quillaroth-sim --listen 127.0.0.1:0 --total "$total" \

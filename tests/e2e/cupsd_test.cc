@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "tests/support/built_tools.h"
+#include "tests/support/files.h"
 
 namespace {
 
@@ -84,9 +85,9 @@ void CupsdTest::AddQueue(const std::string& name, const std::string& uri) {
                               << result.Describe();
 }
 
-// Submits a command job, waits for it and checks how it went.
-int CupsdTest::RunCommandJob(const std::string& queue,
-                             const std::string& commands) {
+// Submits a command job and records it for the failure log.
+int CupsdTest::SubmitJob(const std::string& queue,
+                         const std::string& commands) {
   std::string error;
   int job = cupsd().SubmitCommandJob(queue, commands, &error);
   if (job == 0) {
@@ -94,10 +95,33 @@ int CupsdTest::RunCommandJob(const std::string& queue,
     return 0;
   }
   jobs_.push_back(job);
-  int state = cupsd().WaitForJob(job, 30.0);
-  EXPECT_EQ(IPP_JSTATE_COMPLETED, state) << "job " << job << " on " << queue;
-  EXPECT_EQ(ExpectedFilterChain(job, queue), cupsd().FilterChain(job));
-  return state == IPP_JSTATE_COMPLETED ? job : 0;
+  return job;
+}
+
+// Submits a command job, waits for it and checks how it went.
+JobRun CupsdTest::RunJob(const std::string& queue,
+                         const std::string& commands, double bound,
+                         const std::string& backend, int state) {
+  JobRun run;
+  double start = Now();
+  run.id = SubmitJob(queue, commands);
+  if (run.id == 0) return run;
+  run.state = cupsd().WaitForJob(run.id, bound + kJobWaitLimit);
+  run.seconds = Now() - start;
+  printf("job %d on %s ended in state %d after %.2f s (bound %.2f s)\n",
+         run.id, queue.c_str(), run.state, run.seconds, bound);
+  EXPECT_EQ(state, run.state) << "job " << run.id << " on " << queue;
+  EXPECT_GE(bound, run.seconds) << "job " << run.id << " on " << queue;
+  EXPECT_EQ(ExpectedFilterChain(run.id, queue, backend),
+            cupsd().FilterChain(run.id));
+  return run;
+}
+
+// Runs a command job on the simulated printer's backend.
+int CupsdTest::RunCommandJob(const std::string& queue,
+                             const std::string& commands) {
+  JobRun run = RunJob(queue, commands, kCommandJobBound);
+  return run.state == IPP_JSTATE_COMPLETED ? run.id : 0;
 }
 
 // The filter chain that every command job of the queue must take: our
@@ -113,6 +137,20 @@ std::string CupsdTest::ExpectedFilterChain(int job_id,
          "/application/vnd.cups-command to printer/" + queue + ", cost 0)\n" +
          job + "Started filter ROOT/bin/filter/commandtoquillaroth (PID n)\n" +
          job + "Started backend ROOT/bin/backend/" + backend + " (PID n)\n";
+}
+
+// The backend's end, then the filter's.
+std::string CupsdTest::ExpectedExits(int job_id, const std::string& backend,
+                                     const std::string& backend_end) {
+  std::string tag = "[Job " + std::to_string(job_id) + "] PID n (ROOT/bin/";
+  return tag + "backend/" + backend + ") " + backend_end + "\n" + tag +
+         "filter/commandtoquillaroth) exited with no errors.\n";
+}
+
+// The reason of a printer that did not answer, and unavailable levels.
+std::string UnreachableShown() {
+  return "printer-state-reasons=com.quillaroth-error0023\n" +
+         Markers("-2", " ", "InkSheetType: 00");
 }
 
 // The five marker lines, in the order in which the queue lists them.

@@ -13,10 +13,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "tests/support/files.h"
+#include "tests/support/text.h"
 
 namespace {
 
@@ -72,10 +74,57 @@ std::string AttributeValues(ipp_attribute_t* attr) {
   return text;
 }
 
+// The folder of cupsd.conf.in and cups-files.conf.in.
+constexpr char kConfigTemplates[] = PRIVATE_CUPSD_TEMPLATES;
+
+// Replaces every NAME in *text with VALUE.
+void ReplaceAll(std::string* text, const std::string& name,
+                const std::string& value) {
+  size_t at = 0;
+  while ((at = text->find(name, at)) != std::string::npos) {
+    text->replace(at, name.size(), value);
+    at += value.size();
+  }
+}
+
+// Reads the template at PATH into *text with each name of VALUES replaced
+// by its value.  Returns false with a reason in *error, also when the
+// template names a value not among VALUES.
+bool FillTemplate(const std::string& path,
+                  const std::vector<std::pair<std::string, std::string>>& values,
+                  std::string* text, std::string* error) {
+  *text = ReadFile(path);
+  if (text->empty()) {
+    *error = "cannot read the configuration template " + path;
+    return false;
+  }
+  std::string unnamed = *text;
+  for (const auto& [name, value] : values) ReplaceAll(&unnamed, name, "");
+  if (unnamed.find('@') != std::string::npos) {
+    *error = path + " names a value that the scheduler was not given";
+    return false;
+  }
+  for (const auto& [name, value] : values) ReplaceAll(text, name, value);
+  return true;
+}
+
+// The scheduler's words that begin or end the job messages read here.
+constexpr std::string_view kFiltersForJob = " filters for job:";
+constexpr std::string_view kStartedFilter = "Started filter ";
+constexpr std::string_view kStartedBackend = "Started backend ";
+constexpr std::string_view kRetryStatus = "#retry_status=";
+constexpr std::string_view kPid = "PID ";
+
+// The label of a job's lines in the error_log: "[Job N] ".
+std::string JobTag(int job_id) {
+  return "[Job " + std::to_string(job_id) + "] ";
+}
+
 // The message of a log line: what follows the "[date] " stamp.
-std::string LogMessage(const std::string& line) {
+std::string_view LogMessage(std::string_view line) {
   size_t stamp_end = line.find("] ");
-  return stamp_end == std::string::npos ? line : line.substr(stamp_end + 2);
+  return stamp_end == std::string_view::npos ? line
+                                             : line.substr(stamp_end + 2);
 }
 
 }  // namespace
@@ -176,51 +225,19 @@ bool PrivateCupsd::BuildTree(std::string* error) {
     return false;
   }
 
-  // Loopback only, no browsing, no authentication: every operation is
-  // allowed from 127.0.0.1, so lpadmin needs no certificate.  Jobs whose
-  // backend fails are aborted rather than stopping the queue.  Every
-  // request goes to access_log, where tests count them.
-  std::string cupsd_conf =
-      "LogLevel debug\n"
-      "MaxLogSize 0\n"
-      "Listen 127.0.0.1:" + std::to_string(port_) + "\n"
-      "Browsing No\n"
-      "WebInterface No\n"
-      "DefaultAuthType None\n"
-      "ErrorPolicy abort-job\n"
-      "PreserveJobHistory Yes\n"
-      "AccessLogLevel all\n"
-      "<Location />\n"
-      "  Order allow,deny\n"
-      "  Allow from 127.0.0.1\n"
-      "</Location>\n"
-      "<Policy default>\n"
-      "  JobPrivateAccess default\n"
-      "  JobPrivateValues default\n"
-      "  SubscriptionPrivateAccess default\n"
-      "  SubscriptionPrivateValues default\n"
-      "  <Limit All>\n"
-      "    Order deny,allow\n"
-      "  </Limit>\n"
-      "</Policy>\n";
-  // cupsd refuses "User root"; filters and backends run as lp.  The pid
-  // file and certificates go to StateDir; the printcap file, which would
-  // otherwise overwrite the system scheduler's, goes there too.
-  std::string files_conf =
-      "ServerRoot " + root_ + "/etc\n"
-      "RequestRoot " + root_ + "/spool\n"
-      "TempDir " + root_ + "/tmp\n"
-      "CacheDir " + root_ + "/cache\n"
-      "StateDir " + root_ + "/state\n"
-      "ServerBin " + root_ + "/bin\n"
-      "DataDir " + data_dir_ + "\n"
-      "ErrorLog " + root_ + "/log/error_log\n"
-      "AccessLog " + root_ + "/log/access_log\n"
-      "PageLog " + root_ + "/log/page_log\n"
-      "Printcap " + root_ + "/state/printcap\n"
-      "User lp\n"
-      "Group lp\n"
-      "SystemGroup root\n";
+  // The configuration that the shell scripts' private schedulers have too
+  // (tests/e2e/private_cupsd.sh).
+  const std::vector<std::pair<std::string, std::string>> values = {
+      {"@ROOT@", root_},
+      {"@PORT@", std::to_string(port_)},
+      {"@SERVER_BIN@", root_ + "/bin"},
+      {"@DATA_DIR@", data_dir_}};
+  std::string cupsd_conf, files_conf;
+  if (!FillTemplate(kConfigTemplates + std::string("/cupsd.conf.in"), values,
+                    &cupsd_conf, error) ||
+      !FillTemplate(kConfigTemplates + std::string("/cups-files.conf.in"),
+                    values, &files_conf, error))
+    return false;
   if (!WriteFile(root_ + "/etc/cupsd.conf", cupsd_conf, 0644) ||
       !WriteFile(root_ + "/etc/cups-files.conf", files_conf, 0644)) {
     *error = "cannot write the configuration under " + root_;
@@ -460,7 +477,7 @@ std::string PrivateCupsd::ErrorLog() const {
 
 // The error_log lines of one job.
 std::string PrivateCupsd::JobLog(int job_id) const {
-  std::string tag = "[Job " + std::to_string(job_id) + "] ";
+  std::string tag = JobTag(job_id);
   std::istringstream log(ErrorLog());
   std::string line;
   std::string lines;
@@ -469,25 +486,43 @@ std::string PrivateCupsd::JobLog(int job_id) const {
   return lines;
 }
 
+// The messages of one job, in the log's order.
+std::vector<std::string> PrivateCupsd::JobMessages(int job_id) const {
+  std::string tag = JobTag(job_id);
+  std::istringstream log(ErrorLog());
+  std::string line;
+  std::vector<std::string> messages;
+  while (std::getline(log, line)) {
+    std::string_view message = LogMessage(line);
+    if (StartsWith(message, tag))
+      messages.emplace_back(message.substr(tag.size()));
+  }
+  return messages;
+}
+
+// The messages of one job that begin with the prefix, one a line.
+std::string PrivateCupsd::JobLines(int job_id,
+                                   std::string_view prefix) const {
+  std::string lines;
+  for (const std::string& message : JobMessages(job_id))
+    if (StartsWith(message, prefix)) lines += message + "\n";
+  return lines;
+}
+
 // The job's filter chain as logged by the scheduler: the "N filters for
 // job:" line, one "NAME (TYPE to TYPE, cost N)" line per filter, and the
 // programs it started.
 std::string PrivateCupsd::FilterChain(int job_id) const {
-  std::string tag = "[Job " + std::to_string(job_id) + "] ";
-  std::istringstream log(JobLog(job_id));
-  std::string line;
+  std::string tag = JobTag(job_id);
   std::string chain;
-  while (std::getline(log, line)) {
-    std::string message = LogMessage(line);
-    if (message.compare(0, tag.size(), tag) != 0) continue;
-    std::string text = message.substr(tag.size());
-    bool count_line = text.size() > 17 &&
-                      text.compare(text.size() - 17, 17, " filters for job:") == 0;
+  for (std::string text : JobMessages(job_id)) {
+    bool count_line = text.size() > kFiltersForJob.size() &&
+                      EndsWith(text, kFiltersForJob);
     bool filter_line = text.find(" to ") != std::string::npos &&
                        text.find(", cost ") != std::string::npos &&
                        text.back() == ')';
-    bool started_line = text.compare(0, 15, "Started filter ") == 0 ||
-                        text.compare(0, 16, "Started backend ") == 0;
+    bool started_line =
+        StartsWith(text, kStartedFilter) || StartsWith(text, kStartedBackend);
     if (!count_line && !filter_line && !started_line) continue;
     size_t at;
     while ((at = text.find(root_)) != std::string::npos)
@@ -501,28 +536,16 @@ std::string PrivateCupsd::FilterChain(int job_id) const {
 
 // The filter's "#retry_status" lines of one job, after the "[Job N] " label.
 std::string PrivateCupsd::RetryStatusLines(int job_id) const {
-  std::string tag = "[Job " + std::to_string(job_id) + "] ";
-  std::istringstream log(JobLog(job_id));
-  std::string line;
-  std::string lines;
-  while (std::getline(log, line)) {
-    std::string message = LogMessage(line);
-    if (message.compare(0, tag.size() + 14, tag + "#retry_status=") == 0)
-      lines += message.substr(tag.size()) + "\n";
-  }
-  return lines;
+  return JobLines(job_id, kRetryStatus);
 }
 
 // The "PID n (...) ..." lines of one job, ids and root path taken out,
 // sorted.
 std::string PrivateCupsd::ProcessExits(int job_id) const {
-  std::string tag = "[Job " + std::to_string(job_id) + "] ";
-  std::istringstream log(JobLog(job_id));
-  std::string line;
+  std::string tag = JobTag(job_id);
   std::vector<std::string> exits;
-  while (std::getline(log, line)) {
-    std::string message = LogMessage(line);
-    if (message.compare(0, tag.size() + 4, tag + "PID ") != 0) continue;
+  for (std::string message : JobMessages(job_id)) {
+    if (!StartsWith(message, kPid)) continue;
     size_t open = message.find(" (");
     size_t root = message.find(root_);
     if (open == std::string::npos || root == std::string::npos) continue;

@@ -1,12 +1,15 @@
 // PrivateCupsd: a CUPS scheduler of the test's own, on a free loopback port,
 // with every file it reads or writes under one temporary folder.
 //
-// The folder holds cupsd.conf, cups-files.conf, the spool, cache, state and
-// log folders, and a private server folder (bin/) with our filter and backend
-// copied in and cups-exec linked from the system's.  The system's
-// /etc/cups, spool and running scheduler (if any) are never touched.  The
-// scheduler runs as root (it must, to switch filters and backends to the
-// unprivileged "lp" user); the tree is made readable for that user.
+// The folder holds cupsd.conf and cups-files.conf, filled in from
+// tests/e2e/cupsd.conf.in and cups-files.conf.in (which the shell scripts'
+// private schedulers use too, through tests/e2e/private_cupsd.sh), the
+// spool, cache, state and log folders, and a private server folder (bin/)
+// with our filter and backend copied in and cups-exec linked from the
+// system's.  The system's /etc/cups, /etc/printcap, spool and running
+// scheduler (if any) are never touched.  The scheduler runs as root (it
+// must, to switch filters and backends to the unprivileged "lp" user); the
+// tree is made readable for that user.
 //
 // Queues are added and jobs submitted with the real command-line tools
 // (lpadmin, lp, cupsdisable) against "127.0.0.1:PORT"; states and attributes
@@ -17,6 +20,8 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tests/support/subprocess.h"
 
@@ -98,6 +103,11 @@ class PrivateCupsd {
   std::string ErrorLog() const;
   // The error_log lines of one job ("[Job N]"), timestamps kept.
   std::string JobLog(int job_id) const;
+  // The messages of one job, in the log's order: the text after the
+  // "[date] [Job N] " of each of its lines.
+  std::vector<std::string> JobMessages(int job_id) const;
+  // The messages of one job that begin with PREFIX, one a line.
+  std::string JobLines(int job_id, std::string_view prefix) const;
   // The job's filter chain as the scheduler logged it, with timestamps,
   // the tree's path and process ids taken out.
   std::string FilterChain(int job_id) const;

@@ -25,7 +25,7 @@ namespace {
 // connection with the wake-up command and one query, which it answered.
 TEST_F(SocketBackendTest, GoodPrinterGoldenJob) {
   AddNetworkQueue("good", SimPrinter());
-  ASSERT_NE(0, RunJob("good", kReportLevels, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("good", kReportLevels, kWakeUpPauseSeconds));
   EXPECT_EQ(
       "printer-state-reasons=none\n"
       "marker-colors=#00FF00\n"
@@ -47,7 +47,7 @@ TEST_F(SocketBackendTest, GoodPrinterGoldenJob) {
 TEST_F(SocketBackendTest, PrinterErrorCodeRaisesItsReason) {
   SimPrinter printer = SimPrinter().Error(0x060202);
   AddNetworkQueue("printererror", printer);
-  ASSERT_NE(0, RunJob("printererror", kReportLevels, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("printererror", kReportLevels, kWakeUpPauseSeconds));
   EXPECT_EQ(Shown("com.quillaroth-error0001", printer, "35", kSheetPvR31aGx),
             cupsd().PrinterAttributes("printererror"));
   EXPECT_EQ(ConnectionLog(1, QueryLog(printer)), PrinterLog());
@@ -56,14 +56,14 @@ TEST_F(SocketBackendTest, PrinterErrorCodeRaisesItsReason) {
 TEST_F(SocketBackendTest, UsedUpRibbonRaisesTheRibbonReason) {
   SimPrinter printer = SimPrinter().Total(500).Remaining(0);
   AddNetworkQueue("usedup", printer);
-  ASSERT_NE(0, RunJob("usedup", kReportLevels, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("usedup", kReportLevels, kWakeUpPauseSeconds));
   EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31aGx),
             cupsd().PrinterAttributes("usedup"));
 }
 
 TEST_F(SocketBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
   AddNetworkQueue("unknown", SimPrinter().Error(0x112233));
-  ASSERT_NE(0, RunJob("unknown", kReportStatus, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("unknown", kReportStatus, kWakeUpPauseSeconds));
   EXPECT_EQ("printer-state-reasons=com.quillaroth-error0023\n",
             cupsd().PrinterAttributes("unknown"));
 }
@@ -71,7 +71,7 @@ TEST_F(SocketBackendTest, UnknownErrorCodeRaisesTheUndefinedErrorReason) {
 TEST_F(SocketBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
   SimPrinter printer = SimPrinter().WakeAfter(2);
   AddNetworkQueue("sleepy", printer);
-  int job = RunJob("sleepy", kReportLevels, kWakeUpPauseSeconds + 2 * kRetrySleep);
+  int job = RunSocketJob("sleepy", kReportLevels, kWakeUpPauseSeconds + 2 * kRetrySleep);
   ASSERT_NE(0, job);
   EXPECT_EQ(
       "#retry_status=[wake_up=retrying(1/60)]\n"
@@ -88,7 +88,7 @@ TEST_F(SocketBackendTest, PrinterThatWakesAfterTwoQueriesIsWaitedFor) {
 TEST_F(SocketBackendTest, ReplyInPiecesIsGathered) {
   SimPrinter printer = SimPrinter().Split({100, 92});
   AddNetworkQueue("pieces", printer);
-  ASSERT_NE(0, RunJob("pieces", kReportLevels, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("pieces", kReportLevels, kWakeUpPauseSeconds));
   EXPECT_EQ(Shown("none", printer, "35", kSheetPvR31aGx),
             cupsd().PrinterAttributes("pieces"));
   EXPECT_EQ(ConnectionLog(1, QueryLog(printer)), PrinterLog());
@@ -97,10 +97,10 @@ TEST_F(SocketBackendTest, ReplyInPiecesIsGathered) {
 TEST_F(SocketBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
   SimPrinter first = SimPrinter().Error(0x060202);
   AddNetworkQueue("twice", first, {"--connection", "2:error=000000"});
-  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("twice", kReportStatus, kWakeUpPauseSeconds));
   ASSERT_EQ("printer-state-reasons=com.quillaroth-error0001\n",
             cupsd().PrinterAttributes("twice"));
-  ASSERT_NE(0, RunJob("twice", kReportStatus, kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("twice", kReportStatus, kWakeUpPauseSeconds));
   EXPECT_EQ("printer-state-reasons=none\n", cupsd().PrinterAttributes("twice"));
   EXPECT_EQ(ConnectionLog(1, QueryLog(first)) +
                 ConnectionLog(2, QueryLog(SimPrinter())),
@@ -110,8 +110,8 @@ TEST_F(SocketBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
 TEST_F(SocketBackendTest, BothCommandsInOneJobQueryTwice) {
   SimPrinter printer = SimPrinter().Remaining(0);
   AddNetworkQueue("both", printer);
-  ASSERT_NE(0, RunJob("both", kBothCommands,
-                      kWakeUpPauseSeconds));
+  ASSERT_NE(0, RunSocketJob("both", kBothCommands,
+                            kWakeUpPauseSeconds));
   EXPECT_EQ(Shown("com.quillaroth-error0005", printer, "0", kSheetPvR31aGx),
             cupsd().PrinterAttributes("both"));
   EXPECT_EQ(ConnectionLog(1, QueryLog(printer) + QueryLog(printer)),
@@ -120,7 +120,7 @@ TEST_F(SocketBackendTest, BothCommandsInOneJobQueryTwice) {
 
 TEST_F(SocketBackendTest, ConnectionResetMidReplyIsAnUnreachablePrinter) {
   AddNetworkQueue("reset", SimPrinter(), {"--reset", "100"});
-  ASSERT_NE(0, RunJob("reset", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
+  ASSERT_NE(0, RunSocketJob("reset", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("reset"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
@@ -132,7 +132,7 @@ TEST_F(SocketBackendTest, ConnectionResetMidReplyIsAnUnreachablePrinter) {
 
 TEST_F(SocketBackendTest, StalledReplyIsAnUnreachablePrinter) {
   AddNetworkQueue("stall", SimPrinter(), {"--stall", "100"}, "waiteof=false");
-  ASSERT_NE(0, RunJob("stall", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
+  ASSERT_NE(0, RunSocketJob("stall", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("stall"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
@@ -144,7 +144,7 @@ TEST_F(SocketBackendTest, StalledReplyIsAnUnreachablePrinter) {
 
 TEST_F(SocketBackendTest, PrinterThatNeverAnswersIsUnreachable) {
   AddNetworkQueue("mute", SimPrinter(), {"--hang"}, "waiteof=false");
-  ASSERT_NE(0, RunJob("mute", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
+  ASSERT_NE(0, RunSocketJob("mute", kReportLevels, kWakeUpPauseSeconds + kReadTimeout));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("mute"));
   EXPECT_EQ(
       "sim: connection 1 from 127.0.0.1\n"
@@ -159,8 +159,8 @@ TEST_F(SocketBackendTest, RefusedConnectionIsAnUnreachablePrinter) {
   // responding", CUPS_BACKEND_FAILED, and the scheduler's error policy
   // (abort-job here) aborts the job.  The filter has made no wait of its
   // own by then: its drain and read fail at once on the closed channels.
-  ASSERT_NE(0, RunJob("refused", kReportLevels, 0, IPP_JSTATE_ABORTED,
-                      "stopped with status 1."));
+  ASSERT_NE(0, RunSocketJob("refused", kReportLevels, 0, IPP_JSTATE_ABORTED,
+                            "stopped with status 1."));
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("refused"));
   EXPECT_EQ("sim: refusing connections\n", PrinterLog());
 }

@@ -12,17 +12,16 @@ namespace {
 
 TEST_F(SocketBackendTest, HungPrinterHoldsTheJobUntilWaiteofEnds) {
   AddNetworkQueue("mutewait", SimPrinter(), {"--hang"});
-  ASSERT_NE(0, RunJob("mutewait", kReportLevels,
-                      kWakeUpPauseSeconds + kReadTimeout + kWaitEof));
+  ASSERT_NE(0, RunSocketJob("mutewait", kReportLevels,
+                            kWakeUpPauseSeconds + kReadTimeout + kWaitEof));
   EXPECT_LE(kWaitEof, last_job_seconds_);
   EXPECT_EQ(UnreachableShown(), cupsd().PrinterAttributes("mutewait"));
 }
 
 TEST_F(SocketBackendTest, RefusedConnectionHoldsTheJobForDays) {
   AddNetworkQueue("refusedwait", SimPrinter(), {"--accept", "0"});
-  std::string error;
-  int job = cupsd().SubmitCommandJob("refusedwait", kReportLevels, &error);
-  ASSERT_NE(0, job) << error;
+  int job = SubmitJob("refusedwait", kReportLevels);
+  ASSERT_NE(0, job);
   // The filter gives up after two unanswered drains and a read; the
   // backend goes on retrying (contimeout is a week by default).
   double filter_done = kSnmpLookups + 2 * kDrainTimeout + kWakeUpPauseSeconds +

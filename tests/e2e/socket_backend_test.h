@@ -13,25 +13,19 @@
 #include <cups/cups.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/e2e/cupsd_test.h"
 #include "tests/sim/listening_printer.h"
 #include "tests/support/expected_trace.h"
-#include "tests/support/files.h"
 #include "tests/support/sim_printer.h"
 
 // The socket backend's look-ups of the printer's supplies over SNMP before
 // it serves the side channel: two queries with 2 s time-outs, which a
 // printer without an SNMP agent (this one) lets run out.
 constexpr double kSnmpLookups = 4.0;
-// How much longer than its bound a job is waited for, so that a slow job
-// is reported with its time rather than as "still processing".
-constexpr double kJobWaitLimit = 30.0;
 // How long the socket backend waits for the printer to close the
 // connection after the job ("waiteof", unless waiteof=false).
 constexpr double kWaitEof = 90.0;
@@ -48,13 +42,6 @@ inline std::string ConnectionLog(int connection, const std::string& queries) {
   return "sim: connection " + n + " from 127.0.0.1\n"
          "sim: cmd 1b 45 57 55\n" +
          queries + "sim: connection " + n + " closed by the host\n";
-}
-
-// What the queue shows after a query that got no answer: the unavailable
-// state and levels.
-inline std::string UnreachableShown() {
-  return "printer-state-reasons=com.quillaroth-error0023\n" +
-         Markers("-2", " ", "InkSheetType: 00");
 }
 
 class SocketBackendTest : public CupsdTest {
@@ -82,45 +69,27 @@ class SocketBackendTest : public CupsdTest {
     AddQueue(queue, uri);
   }
 
-  // Runs a command job and checks that it ended in `state` through our
-  // filter and the socket backend, with the filter exiting 0 and the
-  // backend as `backend_end` says (the scheduler's words), and within
-  // the waits of the filter and the backend (`waits` seconds), the
-  // backend's SNMP look-ups and the scheduler's slack.  Prints how long it
-  // took (ctest -V shows it).  Returns the job id (0 when it could not be
-  // run).
-  int RunJob(const std::string& queue, const std::string& commands,
-             double waits, int state = IPP_JSTATE_COMPLETED,
-             const std::string& backend_end = "exited with no errors.") {
-    double bound = kSnmpLookups + waits + kSchedulerSlack;
-    double limit = bound + kJobWaitLimit;
-    std::string error;
-    double start = Now();
-    int job = cupsd().SubmitCommandJob(queue, commands, &error);
-    if (job == 0) {
-      ADD_FAILURE() << error;
-      return 0;
-    }
-    int ended = cupsd().WaitForJob(job, limit);
-    double took = Now() - start;
-    last_job_seconds_ = took;
-    printf("job %d on %s ended in state %d after %.2f s (bound %.2f s)\n", job,
-           queue.c_str(), ended, took, bound);
-    EXPECT_EQ(state, ended) << "job " << job << " on " << queue;
-    EXPECT_GE(bound, took) << "job " << job << " on " << queue;
-    EXPECT_EQ(ExpectedFilterChain(job, queue, "socket"),
-              cupsd().FilterChain(job));
-    std::string tag = "[Job " + std::to_string(job) + "] PID n (ROOT/bin/";
-    EXPECT_EQ(tag + "backend/socket) " + backend_end + "\n" + tag +
-                  "filter/commandtoquillaroth) exited with no errors.\n",
-              cupsd().ProcessExits(job));
-    return job;
+  // Runs a command job through the socket backend (RunJob) within the
+  // waits of the filter and the backend (`waits` seconds), the backend's
+  // SNMP look-ups and the scheduler's slack, ending in `state`; checks that
+  // the filter exited 0 and the backend as `backend_end` says (the
+  // scheduler's words).  Returns the job id (0 when it could not be run).
+  int RunSocketJob(const std::string& queue, const std::string& commands,
+                   double waits, int state = IPP_JSTATE_COMPLETED,
+                   const std::string& backend_end = "exited with no errors.") {
+    JobRun run = RunJob(queue, commands,
+                        kSnmpLookups + waits + kSchedulerSlack, "socket", state);
+    last_job_seconds_ = run.seconds;
+    if (run.id == 0) return 0;
+    EXPECT_EQ(ExpectedExits(run.id, "socket", backend_end),
+              cupsd().ProcessExits(run.id));
+    return run.id;
   }
 
   // The printer's log so far.
   std::string PrinterLog() const { return printer_->Log(); }
 
-  double last_job_seconds_ = 0;  // how long the last RunJob() took
+  double last_job_seconds_ = 0;  // how long the last RunSocketJob() took
 
  private:
   std::unique_ptr<ListeningPrinter> printer_;

@@ -20,18 +20,16 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/e2e/cupsd_test.h"
 #include "tests/support/expected_trace.h"
 #include "tests/support/sim_printer.h"
+#include "tests/support/text.h"
 
 namespace {
 
@@ -72,11 +70,6 @@ SimPrinter Ribbon() { return SimPrinter().Total(500).Remaining(123); }
 std::string Script(const SimPrinter& printer, const std::string& device = "") {
   return printer.UsbScript() + device;
 }
-
-// A printer that could not be asked, as the queue shows it.
-const std::string kUnavailableShown =
-    "printer-state-reasons=com.quillaroth-error0023\n" +
-    Markers("-2", " ", "InkSheetType: 00");
 
 // What the printer logs for the wake-up command, and for the first n
 // printer-information queries with its answers.
@@ -120,15 +113,6 @@ class UsbBackendTest : public CupsdTest {
     WriteScript("");
   }
 
-  // On failure, the scheduler's log of this test's jobs.
-  void TearDown() override {
-    CupsdTest::TearDown();
-    if (!HasFailure()) return;
-    for (int job : jobs_)
-      fprintf(stderr, "----- error_log of job %d -----\n%s", job,
-              cupsd().JobLog(job).c_str());
-  }
-
   // Writes the printer's script for the next job.
   void WriteScript(const std::string& text) {
     std::ofstream file(cupsd().root() + "/bin/backend/usb-printer",
@@ -155,7 +139,7 @@ class UsbBackendTest : public CupsdTest {
                        const std::string& device) {
     int job = RunJobOnPrinter(queue, printer, device, kReportLevels,
                               JobWaits().FailedReads(1));
-    EXPECT_EQ(kUnavailableShown, Attributes(queue));
+    EXPECT_EQ(UnreachableShown(), Attributes(queue));
     return job;
   }
 
@@ -164,77 +148,34 @@ class UsbBackendTest : public CupsdTest {
     return cupsd().PrinterAttributes(queue);
   }
 
-  // Submits a command job and waits for it; checks that it completed
-  // through our filter and the usb backend, both exiting 0, within the
-  // bound.  Returns its id (0 on failure, which has been reported).
+  // Runs a command job through the usb backend (RunJob) within the bound of
+  // its waits; checks that it completed and that the filter and the backend
+  // exited 0.  Returns its id (0 on failure, which has been reported).
   int RunUsbJob(const std::string& queue, const std::string& commands,
                 const JobWaits& waits = JobWaits()) {
-    std::string error;
-    auto start = std::chrono::steady_clock::now();
-    int job = cupsd().SubmitCommandJob(queue, commands, &error);
-    if (job == 0) {
-      ADD_FAILURE() << error;
-      return 0;
-    }
-    jobs_.push_back(job);
-    double bound = JobBound(waits);
-    int state = cupsd().WaitForJob(job, bound + 5.0);
-    double seconds = std::chrono::duration<double>(
-                         std::chrono::steady_clock::now() - start)
-                         .count();
-    EXPECT_EQ(IPP_JSTATE_COMPLETED, state) << "job " << job << " on " << queue;
-    EXPECT_LE(seconds, bound) << "job " << job << " on " << queue;
-    EXPECT_EQ(ExpectedFilterChain(job, queue, "usb"),
-              cupsd().FilterChain(job));
-    EXPECT_EQ(ExpectedExits(job), cupsd().ProcessExits(job));
-    return state == IPP_JSTATE_COMPLETED ? job : 0;
-  }
-
-  // The job's log messages (after "[Job N] ") that begin with prefix.
-  std::string JobLines(int job, const std::string& prefix) {
-    std::string tag = "[Job " + std::to_string(job) + "] ";
-    std::istringstream log(cupsd().JobLog(job));
-    std::string line;
-    std::string lines;
-    while (std::getline(log, line)) {
-      size_t at = line.find(tag);
-      if (at != std::string::npos &&
-          line.compare(at + tag.size(), prefix.size(), prefix) == 0)
-        lines += line.substr(at + tag.size()) + "\n";
-    }
-    return lines;
+    JobRun run = RunJob(queue, commands, JobBound(waits), "usb");
+    if (run.id == 0) return 0;
+    EXPECT_EQ(ExpectedExits(run.id, "usb"), cupsd().ProcessExits(run.id));
+    return run.state == IPP_JSTATE_COMPLETED ? run.id : 0;
   }
 
   // What the printer received and answered.
-  std::string PrinterLines(int job) { return JobLines(job, "sim: "); }
+  std::string PrinterLines(int job) { return cupsd().JobLines(job, "sim: "); }
   // The bulk IN transfers, as the device saw them end.
   std::string InTransfers(int job) {
-    return JobLines(job, "usb: in ") + JobLines(job, "usb: unplugged");
+    return cupsd().JobLines(job, "usb: in ") + cupsd().JobLines(job, "usb: unplugged");
   }
   // The back-channel writes of the backend's read thread.
   std::string BackChannelWrites(int job) {
-    const std::string kWrite = " bytes of back-channel data...";
-    std::istringstream lines(JobLines(job, "Read "));
-    std::string line;
+    constexpr std::string_view kRead = "Read ";
+    constexpr std::string_view kWrite = " bytes of back-channel data...";
     std::string writes;
-    while (std::getline(lines, line))
-      if (line.size() > kWrite.size() &&
-          line.compare(line.size() - kWrite.size(), kWrite.size(), kWrite) == 0)
-        writes += line + "\n";
+    for (const std::string& message : cupsd().JobMessages(job))
+      if (StartsWith(message, kRead) && message.size() > kWrite.size() &&
+          EndsWith(message, kWrite))
+        writes += message + "\n";
     return writes;
   }
-
- private:
-  // The filter and the backend ended with status 0.
-  static std::string ExpectedExits(int job) {
-    std::string tag = "[Job " + std::to_string(job) + "] ";
-    return tag + "PID n (ROOT/bin/backend/usb) exited with no errors.\n" +
-           tag +
-           "PID n (ROOT/bin/filter/commandtoquillaroth) exited with no "
-           "errors.\n";
-  }
-
-  std::vector<int> jobs_;
 };
 
 // lpinfo lists the printer as the usb backend found it.
@@ -279,7 +220,7 @@ TEST_F(UsbBackendTest, GoodPrinterHasNoReasonsAndPublishesItsRibbon) {
             "usb: in 192 bytes (64+64+64+0)\n"
             "usb: release interface 0\n"
             "usb: close (handle 1)\n",
-            JobLines(job, "usb: "));
+            cupsd().JobLines(job, "usb: "));
   EXPECT_EQ("Read 192 bytes of back-channel data...\n", BackChannelWrites(job));
 }
 
@@ -351,14 +292,14 @@ TEST_F(UsbBackendTest, OneWayDeviceReportsUnavailableLevelsAndState) {
   int job = RunJobOnPrinter("usb_oneway", Ribbon(), "oneway\n", kBothCommands,
                             JobWaits().Queries(0));
   ASSERT_NE(0, job);
-  EXPECT_EQ(kUnavailableShown, Attributes("usb_oneway"));
+  EXPECT_EQ(UnreachableShown(), Attributes("usb_oneway"));
   EXPECT_EQ(Queries(Ribbon(), 0), PrinterLines(job));
   EXPECT_EQ("usb: open (handle 1)\n"
             "usb: claim interface 0\n"
             "usb: GET_DEVICE_ID\n"
             "usb: release interface 0\n"
             "usb: close (handle 1)\n",
-            JobLines(job, "usb: "));
+            cupsd().JobLines(job, "usb: "));
 }
 
 TEST_F(UsbBackendTest, SecondJobWithdrawsTheReasonsOfTheFirst) {
@@ -413,7 +354,7 @@ TEST_F(UsbBackendTest, PrinterThatAppearsAfterTheFirstScanIsWaitedFor) {
             Attributes("usb_late"));
   EXPECT_EQ(Queries(Ribbon(), 1), PrinterLines(job));
   EXPECT_EQ("libusb_get_device_list=0\nlibusb_get_device_list=1\n",
-            JobLines(job, "libusb_get_device_list="));
+            cupsd().JobLines(job, "libusb_get_device_list="));
 }
 
 TEST_F(UsbBackendTest, PrinterThatNeverAnswers) {
