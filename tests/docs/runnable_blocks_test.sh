@@ -9,13 +9,16 @@
 # Usage: runnable_blocks_test.sh SOURCE_DIR BUILD_DIR user|root
 #                                [CUPS_SERVER_BIN CUPS_DATA_DIR]
 #
-# "user" runs the unmarked-for-root blocks; "root" the root ones.  Each
-# block runs with bash -euo pipefail in a work folder of its own file's
-# session (the blocks of one file run in order there, as a reader follows
+# "user" runs the blocks marked for any user, "root" the root ones.  Each
+# block runs with bash -euo pipefail, within 300 s, in the work folder of
+# its file (the blocks of one file run in order there, as a reader follows
 # them), whose top-level entries are links to the checkout's, with "build"
 # a link to BUILD_DIR, and with the build's quillaroth and quillaroth-sim
-# first on PATH.  A block runs in a process group of its own, which is
-# killed when it ends (a printer started with "&" stops there).
+# first on PATH.  The user blocks run as the build's owner would: another
+# user is skipped.  A block runs in a session of its own; what it starts
+# in the background ("&") must still run half a second after it ends, and
+# runs on until a later block starts something in the background, or the
+# run ends.  A failed block is shown with its output.
 #
 # The root blocks run in a network and mount namespace of their own: a
 # private cupsd (tests/e2e/private_cupsd.sh) with the build's filter and
@@ -114,6 +117,9 @@ for path in $tmp_paths; do
   fi
 done
 
+if [ "$mode" = user ] && [ ! -w "$build_dir" ]; then
+  skip "the build folder $build_dir is not this user's: the blocks run as its builder would (cmake --install writes install_manifest.txt there)"
+fi
 if [ "$mode" = root ]; then
   [ "$(id -u)" -eq 0 ] ||
     skip "the root blocks need root: cupsd runs as root, and they run in namespaces of their own"
@@ -168,9 +174,13 @@ run_blocks() {
     mkdir "$block_dir"
     printf '%s\n' "${record#*$'\n'}" >"$block_dir/block.sh"
     count=$((count + 1))
-    echo "=== $file_line"
-    sed 's/^/    /' "$block_dir/block.sh"
-    echo "--- output:"
+    # A block that starts a program in the background ("&") stops those
+    # that earlier blocks started, as a reader would before trying the
+    # next example on the same port.
+    if grep -qE '&[[:space:]]*$' "$block_dir/block.sh"; then
+      for pid in "${sessions[@]}"; do pkill -TERM -s "$pid" 2>/dev/null || true; done
+      sessions=()
+    fi
     (cd "$session" && exec setsid timeout "$kBlockSeconds" bash -euo pipefail "$block_dir/block.sh") \
       </dev/null >"$block_dir/out" 2>&1 &
     pid=$!
@@ -178,14 +188,23 @@ run_blocks() {
     status=$?
     # What the block left running (a printer started with "&") runs on for
     # the blocks after it, in the session that setsid made, whose id is
-    # $pid.
+    # $pid; it must still run a moment later.
     sessions+=("$pid")
-    sed 's/^/    /' "$block_dir/out"
+    if [ "$status" -eq 0 ] && grep -qE '&[[:space:]]*$' "$block_dir/block.sh"; then
+      sleep 0.5
+      if ! pgrep -s "$pid" >/dev/null; then
+        echo "(what the block started in the background has ended)" >>"$block_dir/out"
+        status=1
+      fi
+    fi
     if [ "$status" -eq 0 ]; then
       echo "ok $file_line"
     else
-      [ "$status" -eq 124 ] && echo "    (the block did not end within $kBlockSeconds s)"
-      echo "FAILED $file_line (exit $status)"
+      echo "FAILED $file_line (exit $status):"
+      sed 's/^/    /' "$block_dir/block.sh"
+      echo "  its output:"
+      sed 's/^/    /' "$block_dir/out"
+      [ "$status" -eq 124 ] && echo "  (the block did not end within $kBlockSeconds s)"
       failed=$((failed + 1))
     fi
   done < <(awk '/^@@ / { if (n++) printf "\x1e"; sub(/^@@ /, "") } { print } END { printf "\x1e" }' <<<"$blocks")
