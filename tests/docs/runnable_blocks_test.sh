@@ -121,6 +121,8 @@ if [ "$mode" = user ] && [ ! -w "$build_dir" ]; then
   skip "the build folder $build_dir is not this user's: the blocks run as its builder would (cmake --install writes install_manifest.txt there)"
 fi
 if [ "$mode" = root ]; then
+  [ -z "${QUILLAROTH_DOCS_SANITIZED:-}" ] ||
+    skip "a sanitizer build ($QUILLAROTH_DOCS_SANITIZED): CUPS' usb backend cannot load the emulated libusb built with it"
   [ "$(id -u)" -eq 0 ] ||
     skip "the root blocks need root: cupsd runs as root, and they run in namespaces of their own"
   [ -f "$source_dir/tests/e2e/private_cupsd.sh" ] ||
