@@ -117,6 +117,17 @@ for path in $tmp_paths; do
   fi
 done
 
+# The programs that the blocks call, with their Debian packages.
+if [ "$mode" = user ]; then
+  needed="cmake:cmake promtool:prometheus pkill:procps pgrep:procps"
+else
+  needed="lpadmin:cups-client lp:cups-client lpstat:cups-client ipptool:cups-ipp-utils
+          ip:iproute2 unshare:util-linux pkill:procps pgrep:procps setsid:util-linux"
+fi
+for program in $needed; do
+  PATH="$PATH:/usr/sbin:/sbin" command -v "${program%%:*}" >/dev/null ||
+    skip "${program%%:*} is not installed (Debian package ${program#*:})"
+done
 if [ "$mode" = user ] && [ ! -w "$build_dir" ]; then
   skip "the build folder $build_dir is not this user's: the blocks run as its builder would (cmake --install writes install_manifest.txt there)"
 fi
@@ -130,7 +141,6 @@ if [ "$mode" = root ]; then
   [ -x "${CUPSD:-/usr/sbin/cupsd}" ] || skip "no cupsd (${CUPSD:-/usr/sbin/cupsd}): install cups-daemon"
   [ -x "$server_bin/daemon/cups-exec" ] || skip "no $server_bin/daemon/cups-exec: install cups-daemon"
   [ -d /usr/share/ppd ] || skip "no /usr/share/ppd to put the simulated printer's PPD in: install cups"
-  command -v unshare >/dev/null || skip "no unshare(1): install util-linux"
   unshare --net --mount true 2>/dev/null ||
     skip "cannot make a network and mount namespace here (unshare --net --mount)"
 fi
