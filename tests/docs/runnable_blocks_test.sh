@@ -119,7 +119,7 @@ done
 
 # The programs that the blocks call, with their Debian packages.
 if [ "$mode" = user ]; then
-  needed="cmake:cmake promtool:prometheus pkill:procps pgrep:procps"
+  needed="cmake:cmake promtool:prometheus pkill:procps pgrep:procps setsid:util-linux"
 else
   needed="lpadmin:cups-client lp:cups-client lpstat:cups-client ipptool:cups-ipp-utils
           ip:iproute2 unshare:util-linux pkill:procps pgrep:procps setsid:util-linux"
