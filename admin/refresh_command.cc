@@ -3,7 +3,7 @@
 #include <time.h>
 
 #include <cstdio>
-#include <map>
+#include <string>
 #include <vector>
 
 #include "admin/commands.h"
