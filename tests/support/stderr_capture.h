@@ -9,11 +9,13 @@
 
 #include <string>
 
+#include "tests/support/stderr_redirect.h"
+
 class StderrCapture {
  public:
   // Starts capturing.
   StderrCapture();
-  // Stops capturing if Text() was not called.
+  // Stops capturing if Text() was not called, and closes the file.
   ~StderrCapture();
 
   StderrCapture(const StderrCapture&) = delete;
@@ -23,11 +25,8 @@ class StderrCapture {
   std::string Text();
 
  private:
-  // Puts the original stderr back.
-  void Restore();
-
-  int saved_fd_;
   int file_fd_;
+  StderrRedirect redirect_;
 };
 
 #endif  // QUILLAROTH_TESTS_SUPPORT_STDERR_CAPTURE_H_

@@ -13,11 +13,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/stderr_redirect.h"
+
 class StderrWrites {
  public:
   // Starts collecting.
   StderrWrites();
-  // Stops collecting if Writes() was not called.
+  // Stops collecting if Writes() was not called, and closes the socket.
   ~StderrWrites();
 
   StderrWrites(const StderrWrites&) = delete;
@@ -27,15 +29,19 @@ class StderrWrites {
   std::vector<std::string> Writes();
 
  private:
-  // Puts the original stderr back.
-  void Restore();
+  // Makes a socket pair that keeps write boundaries, with room for every
+  // write of a test so that no write ever blocks; sets read_fd_ and returns
+  // the writing end.
+  int OpenPair();
 
-  int saved_fd_;
-  int read_fd_;
+  int read_fd_ = -1;
+  int write_fd_;
+  StderrRedirect redirect_;
 };
 
 // Splits text after every line feed: the writes that a text made of whole
-// lines should arrive in when each line is written at once.
+// lines should arrive in when each line is written at once; a tail without
+// one is kept as is.
 std::vector<std::string> SplitLines(const std::string& text);
 
 #endif  // QUILLAROTH_TESTS_SUPPORT_STDERR_WRITES_H_
