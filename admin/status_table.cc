@@ -86,10 +86,10 @@ std::string StatusTable(const std::vector<QueueStatus>& queues, time_t now,
   std::string table =
       line(std::vector<std::string>(kHeadings, kHeadings + kColumns), false);
   for (size_t q = 0; q < queues.size(); q++) {
+    const QueueStatus& queue = queues[q];
     table += line(rows[q], stale[q]);
-    if (queues[q].ink_sheet)
-      table += "  ink sheet: " + *queues[q].ink_sheet + "\n";
-    for (const Reason& reason : queues[q].reasons) {
+    if (queue.ink_sheet) table += "  ink sheet: " + *queue.ink_sheet + "\n";
+    for (const Reason& reason : queue.reasons) {
       std::string text = reason.keyword;
       if (!reason.text.empty()) text += ": " + reason.text;
       table += style.colour ? "  " + (kRed + text + kPlain) + "\n"
